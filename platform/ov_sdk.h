@@ -6,9 +6,9 @@
 #define PLATFORM_OV_SDK_H_
 
 #if defined(__GNUC__)
-#define OV_SDK_PRINTF_FORMAT(format, values) __attribute__((format(printf, format, values)))
+#define OV_SDK_PRINTF_FORMAT(text, values) __attribute__((format(printf, text, values)))
 #else
-#define OV_SDK_PRINTF_FORMAT(format, values)
+#define OV_SDK_PRINTF_FORMAT(text, values)
 #endif
 
 #ifdef __cplusplus
