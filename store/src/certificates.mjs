@@ -1,0 +1,110 @@
+// The service's own certificate authority and the server certificate signed by it. Both are made at
+// the first start and kept in the state folder, so that clients need to trust the authority once.
+import { execFileSync } from 'node:child_process';
+import { X509Certificate } from 'node:crypto';
+import { existsSync, readFileSync, renameSync, rmSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+
+const dnsNames = ['bookstore.example', '*.bookstore.example', 'api.bookstore.example', 'localhost'];
+const addresses = ['127.0.0.1', '::1'];
+const authorityDays = 3650;
+const serverDays = 397;
+const renewBeforeMilliseconds = 7 * 24 * 3600 * 1000;
+
+const subjectAltName = [
+  ...dnsNames.map((name) => `DNS:${name}`),
+  ...addresses.map((address) => `IP:${address}`),
+].join(',');
+
+// Whoever trusts the authority trusts it for these names only.
+const nameConstraints = [
+  'permitted;DNS:bookstore.example',
+  'permitted;DNS:localhost',
+  'permitted;IP:127.0.0.1/255.255.255.255',
+  'permitted;IP:::1/ffff:ffff:ffff:ffff:ffff:ffff:ffff:ffff',
+].join(',');
+
+function openssl(...parameters) {
+  try {
+    execFileSync('openssl', parameters, { stdio: ['ignore', 'pipe', 'pipe'] });
+  } catch (error) {
+    if (error.code === 'ENOENT') {
+      throw new Error('the program openssl is missing; install it (apt-get install openssl)');
+    }
+    throw new Error(`openssl ${parameters[0]} failed: ${error.stderr}`);
+  }
+}
+
+const newKey = ['-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes'];
+
+// Key and certificate take their names only when both are complete.
+function makePair(key, certificate, make) {
+  const newKeyPath = `${key}.new`;
+  const newCertificatePath = `${certificate}.new`;
+  make(newKeyPath, newCertificatePath);
+  renameSync(newKeyPath, key);
+  renameSync(newCertificatePath, certificate);
+}
+
+function makeAuthority(files) {
+  makePair(files.authorityKey, files.authority, (key, certificate) =>
+    openssl(
+      'req', '-x509', ...newKey, '-keyout', key, '-out', certificate,
+      '-days', String(authorityDays),
+      '-subj', '/O=Local book store/CN=Local book store authority',
+      '-addext', 'basicConstraints=critical,CA:TRUE,pathlen:0',
+      '-addext', 'keyUsage=critical,keyCertSign,cRLSign',
+      '-addext', `nameConstraints=critical,${nameConstraints}`,
+    ),
+  );
+}
+
+function makeServerCertificate(files) {
+  const request = `${files.server}.csr`;
+  const extensions = `${files.server}.ext`;
+  writeFileSync(
+    extensions,
+    `subjectAltName=${subjectAltName}\nbasicConstraints=critical,CA:FALSE\n` +
+      'keyUsage=critical,digitalSignature\nextendedKeyUsage=serverAuth\n' +
+      'authorityKeyIdentifier=keyid\n',
+  );
+  makePair(files.serverKey, files.server, (key, certificate) => {
+    openssl('req', '-new', ...newKey, '-keyout', key, '-out', request, '-subj', '/CN=bookstore.example');
+    openssl(
+      'x509', '-req', '-in', request, '-out', certificate, '-days', String(serverDays),
+      '-CA', files.authority, '-CAkey', files.authorityKey, '-extfile', extensions,
+    );
+  });
+  rmSync(request);
+  rmSync(extensions);
+}
+
+function isUsable(certificatePath, keyPath) {
+  if (!existsSync(certificatePath) || !existsSync(keyPath)) return false;
+  const { validTo } = new X509Certificate(readFileSync(certificatePath));
+  return Date.parse(validTo) - Date.now() > renewBeforeMilliseconds;
+}
+
+function isSignedBy(certificatePath, authorityPath) {
+  const authority = new X509Certificate(readFileSync(authorityPath));
+  return new X509Certificate(readFileSync(certificatePath)).verify(authority.publicKey);
+}
+
+// Makes what is missing or about to expire. Returns the key and certificate chain as PEM texts for
+// the server and `authorityPath`, the file that clients trust.
+export function prepareCertificates(stateFolder) {
+  const files = {
+    authorityKey: join(stateFolder, 'ca.key'),
+    authority: join(stateFolder, 'ca.pem'),
+    serverKey: join(stateFolder, 'server.key'),
+    server: join(stateFolder, 'server.pem'),
+  };
+  if (!isUsable(files.authority, files.authorityKey)) makeAuthority(files);
+  const kept = isUsable(files.server, files.serverKey) && isSignedBy(files.server, files.authority);
+  if (!kept) makeServerCertificate(files);
+  return {
+    key: readFileSync(files.serverKey),
+    cert: readFileSync(files.server),
+    authorityPath: files.authority,
+  };
+}

@@ -1,0 +1,40 @@
+const keptRequests = 200;
+
+function headerPairs(rawHeaders) {
+  const pairs = [];
+  for (let index = 0; index < rawHeaders.length; index += 2) {
+    pairs.push([rawHeaders[index], rawHeaders[index + 1]]);
+  }
+  return pairs;
+}
+
+// The last requests as they came over the wire, for tests that check bytes.
+export class RequestLog {
+  #requests = [];
+  #count = 0;
+
+  // `answered` is what was decided about it: the status and the operation.
+  add(request, body, answered) {
+    this.#count += 1;
+    this.#requests.push({
+      number: this.#count,
+      connection: request.socket.remotePort,
+      httpVersion: request.httpVersion,
+      method: request.method,
+      url: request.url,
+      headers: headerPairs(request.rawHeaders),
+      body: body.toString('utf8'),
+      bodyBase64: body.toString('base64'),
+      ...answered,
+    });
+    if (this.#requests.length > keptRequests) this.#requests.shift();
+  }
+
+  clear() {
+    this.#requests = [];
+  }
+
+  list() {
+    return [...this.#requests];
+  }
+}

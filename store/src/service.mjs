@@ -1,0 +1,88 @@
+// Puts the service together and starts its two ports. New token readers, services for operations
+// and pages are added here; operations are found by their files.
+import { chmodSync, mkdirSync } from 'node:fs';
+import { fileURLToPath } from 'node:url';
+
+import { integrationTokenReader } from './callers.mjs';
+import { prepareCertificates } from './certificates.mjs';
+import { createControlServer } from './controlServer.mjs';
+import { FaultList } from './faults.mjs';
+import { createFrame } from './frame.mjs';
+import { RequestLog } from './requestLog.mjs';
+import { loadSchema } from './schema.mjs';
+import { loadSeed } from './seed.mjs';
+import { checkSettings, defaultSettings } from './settings.mjs';
+import { loadCacheSalt } from './stateFile.mjs';
+import { createStoreServer } from './storeServer.mjs';
+
+const loopback = '127.0.0.1';
+const besideThisFolder = (name) => fileURLToPath(new URL(`../${name}`, import.meta.url));
+
+function listen(server, port) {
+  return new Promise((resolve, reject) => {
+    server.once('error', (error) => {
+      const taken = error.code === 'EADDRINUSE';
+      reject(taken ? new Error(`port ${port} is taken; choose another one, or 0`) : error);
+    });
+    server.listen(port, loopback, () => resolve(server.address().port));
+  });
+}
+
+// Closes a server without waiting for its clients.
+function trackConnections(server, event) {
+  const sockets = new Set();
+  server.on(event, (socket) => {
+    sockets.add(socket);
+    socket.once('close', () => sockets.delete(socket));
+  });
+  return () =>
+    new Promise((resolve) => {
+      server.close(resolve);
+      for (const socket of sockets) socket.destroy();
+    });
+}
+
+// Starts the service with its state in `stateFolder`. Port 0 takes a free one. Resolves once both
+// ports answer; `close()` ends every connection.
+export async function startService({ stateFolder, port = 0, controlPort = 0, line = 'new' }) {
+  const settings = { ...defaultSettings, ...checkSettings({ line }) };
+  mkdirSync(stateFolder, { recursive: true, mode: 0o700 });
+  chmodSync(stateFolder, 0o700);
+  const certificates = prepareCertificates(stateFolder);
+  const seed = loadSeed(besideThisFolder('seed.json'));
+  const { schema, operations } = await loadSchema(
+    besideThisFolder('schema.graphql'),
+    besideThisFolder('operations'),
+  );
+
+  const faults = new FaultList();
+  const requestLog = new RequestLog();
+  const answerGraphql = createFrame({
+    schema,
+    operations,
+    services: { seed },
+    tokenReaders: [integrationTokenReader(seed)],
+    settings,
+    salt: loadCacheSalt(stateFolder),
+  });
+  const routes = new Map([['/graphql', answerGraphql]]);
+
+  const store = createStoreServer({ certificates, routes, faults, requestLog });
+  const control = createControlServer({ settings, faults, requestLog });
+  const closeStore = trackConnections(store, 'connection');
+  const closeControl = trackConnections(control, 'connection');
+  const ports = { port: await listen(store, port), controlPort: null };
+  try {
+    ports.controlPort = await listen(control, controlPort);
+  } catch (error) {
+    await closeStore();
+    throw error;
+  }
+  return {
+    ...ports,
+    url: `https://${loopback}:${ports.port}/graphql`,
+    controlUrl: `http://${loopback}:${ports.controlPort}`,
+    authorityPath: certificates.authorityPath,
+    close: () => Promise.all([closeStore(), closeControl()]),
+  };
+}

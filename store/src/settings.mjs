@@ -1,0 +1,33 @@
+import { lines } from './lines.mjs';
+
+const members = {
+  line: {
+    check: (value) => Object.hasOwn(lines, value),
+    wants: `one of: ${Object.keys(lines).join(', ')}`,
+  },
+  cacheIdHeader: {
+    check: (value) =>
+      value === null || (typeof value === 'string' && /^x-magento-cache-id$/i.test(value)),
+    wants: '"X-Magento-Cache-Id" in any letter case, or null to leave it out',
+  },
+  sessionCookies: {
+    check: (value) => typeof value === 'boolean',
+    wants: 'true or false',
+  },
+};
+
+export const defaultSettings = Object.freeze({
+  line: 'new',
+  cacheIdHeader: 'X-Magento-Cache-Id',
+  sessionCookies: true,
+});
+
+// The given settings; throws an Error that names the first wrong one.
+export function checkSettings(value) {
+  for (const [name, content] of Object.entries(value ?? {})) {
+    const member = members[name];
+    if (!member) throw new Error(`unknown setting "${name}"; use ${Object.keys(members).join(', ')}`);
+    if (!member.check(content)) throw new Error(`"${name}" must be ${member.wants}`);
+  }
+  return { ...value };
+}
