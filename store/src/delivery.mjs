@@ -54,8 +54,8 @@ function write(response, piece, signal) {
   });
 }
 
-function closeConnection(request) {
-  if (request.stream?.session) request.stream.session.destroy();
+export function closeConnection(request) {
+  if (request.httpVersionMajor === 2) request.stream.session?.destroy();
   else request.socket.destroy();
 }
 
@@ -93,13 +93,22 @@ function writeHeadOnly(response, answer) {
   response.end();
 }
 
-// Sends the answer; returns when it has left or the client has gone, which is no error here.
+// Sends the answer. Rejects when the client leaves before its end (see hasClientLeft).
 export async function deliver(request, response, answer, fault) {
   const client = new AbortController();
   response.once('close', () => client.abort());
-  try {
-    await send(request, response, answer, fault, client.signal);
-  } catch (error) {
-    if (!client.signal.aborted) throw error;
-  }
+  await send(request, response, answer, fault, client.signal);
+}
+
+const leavingCodes = new Set([
+  'ECONNRESET',
+  'EPIPE',
+  'ERR_HTTP2_INVALID_STREAM',
+  'ERR_STREAM_DESTROYED',
+  'ERR_STREAM_PREMATURE_CLOSE',
+]);
+
+// Whether an error only says that the client is gone, which is its right.
+export function hasClientLeft(error) {
+  return error.name === 'AbortError' || leavingCodes.has(error.code);
 }

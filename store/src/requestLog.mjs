@@ -13,19 +13,19 @@ export class RequestLog {
   #requests = [];
   #count = 0;
 
-  // `answered` is what was decided about it: the status and the operation.
-  add(request, body, answered) {
+  // `exchange` is what the request itself does not tell: its connection (the client's port), the
+  // operation that it asked for and the status of the answer.
+  add(request, body, exchange) {
     this.#count += 1;
     this.#requests.push({
       number: this.#count,
-      connection: request.socket.remotePort,
       httpVersion: request.httpVersion,
       method: request.method,
       url: request.url,
       headers: headerPairs(request.rawHeaders),
       body: body.toString('utf8'),
       bodyBase64: body.toString('base64'),
-      ...answered,
+      ...exchange,
     });
     if (this.#requests.length > keptRequests) this.#requests.shift();
   }

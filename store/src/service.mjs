@@ -1,6 +1,6 @@
 // Puts the service together and starts its two ports. New token readers, services for operations
 // and pages are added here; operations are found by their files.
-import { chmodSync, mkdirSync } from 'node:fs';
+import { mkdirSync } from 'node:fs';
 import { fileURLToPath } from 'node:url';
 
 import { integrationTokenReader } from './callers.mjs';
@@ -47,7 +47,6 @@ function trackConnections(server, event) {
 export async function startService({ stateFolder, port = 0, controlPort = 0, line = 'new' }) {
   const settings = { ...defaultSettings, ...checkSettings({ line }) };
   mkdirSync(stateFolder, { recursive: true, mode: 0o700 });
-  chmodSync(stateFolder, 0o700);
   const certificates = prepareCertificates(stateFolder);
   const seed = loadSeed(besideThisFolder('seed.json'));
   const { schema, operations } = await loadSchema(

@@ -1,7 +1,7 @@
 // The HTTPS port: HTTP/1.1 and HTTP/2, whichever the client agrees on.
 import { createSecureServer } from 'node:http2';
 
-import { deliver } from './delivery.mjs';
+import { closeConnection, deliver, hasClientLeft } from './delivery.mjs';
 import { applyFault } from './faults.mjs';
 import { pages } from './pages.mjs';
 import { pageHeaders } from './responseHeaders.mjs';
@@ -40,11 +40,13 @@ export function createStoreServer({ certificates, routes, faults, requestLog }) 
   }
 
   async function serve(request, response) {
+    const connection = request.socket.remotePort;
     const body = await readBody(request);
     const answered = await answer(request, body);
     const fault = faults.take(answered.operation);
     const sent = applyFault(answered, fault);
     requestLog.add(request, body ?? Buffer.alloc(0), {
+      connection,
       operation: answered.operation,
       status: sent.status,
     });
@@ -59,8 +61,8 @@ export function createStoreServer({ certificates, routes, faults, requestLog }) 
   server.keepAliveTimeout = keepAliveMilliseconds;
   server.on('request', (request, response) => {
     serve(request, response).catch((error) => {
-      console.error(error);
-      request.socket.destroy();
+      if (!hasClientLeft(error)) console.error(error);
+      closeConnection(request);
     });
   });
   return server;

@@ -1,0 +1,130 @@
+// scripts/store as a person or a test calls it, each with a state folder of its own.
+import assert from 'node:assert/strict';
+import { spawn, spawnSync } from 'node:child_process';
+import { existsSync, readFileSync, writeFileSync } from 'node:fs';
+import { createServer } from 'node:net';
+import { join } from 'node:path';
+import { afterEach, beforeEach, test } from 'node:test';
+import { fileURLToPath } from 'node:url';
+
+import { temporaryFolder } from './support.mjs';
+
+const script = fileURLToPath(new URL('../../scripts/store', import.meta.url));
+
+let folder;
+let state;
+beforeEach(() => {
+  folder = temporaryFolder();
+  state = join(folder.path, 'state');
+});
+afterEach(() => {
+  run('stop');
+  folder.remove();
+});
+
+function run(command, ...options) {
+  const outcome = spawnSync(script, [command, '--state', state, ...options], { encoding: 'utf8' });
+  const lines = outcome.stdout.split('\n').filter((line) => line.includes('='));
+  const fields = Object.fromEntries(lines.map((line) => line.split(/=(.*)/s).slice(0, 2)));
+  return { code: outcome.status, fields, stdout: outcome.stdout, stderr: outcome.stderr };
+}
+
+const isAlive = (pid) => {
+  try {
+    process.kill(pid, 0);
+  } catch {
+    return false;
+  }
+  return !/\) Z /.test(readFileSync(`/proc/${pid}/stat`, 'utf8'));
+};
+
+test('start prints where the service is, and it answers there', async () => {
+  const { code, fields } = run('start', '--line', 'old');
+  assert.equal(code, 0);
+  assert.deepEqual(Object.keys(fields), ['url', 'port', 'control', 'ca', 'pid']);
+  assert.equal(fields.url, `https://127.0.0.1:${fields.port}/graphql`);
+  assert.match(readFileSync(fields.ca, 'utf8'), /BEGIN CERTIFICATE/);
+  assert.equal((await (await fetch(`${fields.control}/settings`)).json()).line, 'old');
+  assert.ok(readFileSync(join(state, 'store.env'), 'utf8').includes(`pid=${fields.pid}\n`));
+});
+
+test('a second start says that it runs already and starts nothing', () => {
+  const first = run('start');
+  const second = run('start');
+  assert.equal(second.code, 0);
+  assert.match(second.stderr, /it runs already/);
+  assert.deepEqual(second.fields, first.fields);
+});
+
+test('two starts at once give one service', async () => {
+  const outcomes = await Promise.all(
+    [1, 2].map(
+      () =>
+        new Promise((resolve) => {
+          const child = spawn(script, ['start', '--state', state]);
+          let text = '';
+          child.stdout.on('data', (piece) => (text += piece));
+          child.on('close', () => resolve(text));
+        }),
+    ),
+  );
+  assert.match(outcomes[0], /pid=\d+/);
+  assert.equal(outcomes[0], outcomes[1]);
+});
+
+test('status tells whether it runs', () => {
+  assert.equal(run('status').code, 1);
+  assert.equal(existsSync(state), false);
+  const { fields } = run('start');
+  assert.deepEqual(run('status').fields, fields);
+});
+
+test('stop waits for the end, and the authority is kept for the next start', () => {
+  const { fields } = run('start');
+  const authority = readFileSync(fields.ca, 'utf8');
+  assert.equal(run('stop').code, 0);
+  assert.equal(isAlive(Number(fields.pid)), false);
+  assert.equal(existsSync(join(state, 'store.env')), false);
+  assert.equal(readFileSync(run('start').fields.ca, 'utf8'), authority);
+});
+
+test('stop leaves a process alone that only has the same number', () => {
+  run('start');
+  run('stop');
+  const other = spawn('sleep', ['60']);
+  try {
+    writeFileSync(join(state, 'store.env'), `pid=${other.pid}\nstarted=1\n`);
+    assert.match(run('stop').stderr, /does not run/);
+    assert.ok(isAlive(other.pid));
+  } finally {
+    other.kill();
+  }
+});
+
+test('a killed service counts as not running and can be started again', () => {
+  const { fields } = run('start');
+  process.kill(Number(fields.pid), 'SIGKILL');
+  while (isAlive(Number(fields.pid)));
+  assert.equal(run('status').code, 1);
+  assert.notEqual(run('start').fields.pid, fields.pid);
+});
+
+test('a taken port is named', async () => {
+  const server = createServer();
+  await new Promise((resolve) => server.listen(0, '127.0.0.1', resolve));
+  const { port } = server.address();
+  const outcome = run('start', '--port', String(port));
+  server.close();
+  assert.equal(outcome.code, 1);
+  assert.match(outcome.stderr, new RegExp(`port ${port} is taken`));
+  assert.equal(outcome.stdout, '');
+});
+
+for (const options of [['--port', 'x'], ['--line', 'older'], ['--port'], ['--colour', 'red']]) {
+  test(`wrong use is explained: ${options.join(' ')}`, () => {
+    const outcome = run('start', ...options);
+    assert.equal(outcome.code, 2);
+    assert.ok(outcome.stderr.includes(options[0]));
+    assert.match(outcome.stderr, /usage: scripts\/store/);
+  });
+}

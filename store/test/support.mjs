@@ -1,0 +1,149 @@
+// What the tests share: a service of their own on free ports with a temporary state folder, and
+// clients that trust nothing but its authority.
+import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import http2 from 'node:http2';
+import https from 'node:https';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+import { gunzipSync } from 'node:zlib';
+
+import { startService } from '../src/service.mjs';
+
+export const discoveryQuery =
+  'query availableBookStores {\navailableBookStores {\nurl\napiUrl\nstoreName\nlanguage\n' +
+  'langCode\nstoreCode\nstatus\nintegrationToken\nproviderID\ncurrency\n}\n}';
+
+export const discoveryBody = `${JSON.stringify({ query: discoveryQuery, variables: null })}\n`;
+
+export function temporaryFolder() {
+  const path = mkdtempSync(join(tmpdir(), 'local-store-'));
+  return { path, remove: () => rmSync(path, { recursive: true, force: true }) };
+}
+
+function collect(stream, done) {
+  const pieces = [];
+  stream.on('data', (piece) => pieces.push(piece));
+  stream.on('end', () => done(Buffer.concat(pieces)));
+}
+
+function decoded(answer) {
+  const bytes = answer.headers['content-encoding'] === 'gzip' ? gunzipSync(answer.raw) : answer.raw;
+  const text = bytes.toString('utf8');
+  return { ...answer, text, json: () => JSON.parse(text) };
+}
+
+class TestService {
+  constructor(service, state) {
+    this.service = service;
+    this.state = state;
+    this.ca = readFileSync(service.authorityPath);
+  }
+
+  async stop() {
+    await this.service.close();
+    this.state.remove();
+  }
+
+  // One request on a connection of its own over HTTP/1.1. Rejects when the transfer fails; the
+  // error then has `received`, the number of body bytes that came before.
+  http1({ method = 'POST', path = '/graphql', headers = {}, body = discoveryBody } = {}) {
+    return new Promise((resolve, reject) => {
+      const request = https.request(
+        {
+          host: '127.0.0.1',
+          port: this.service.port,
+          servername: 'api.bookstore.example',
+          ca: this.ca,
+          agent: false,
+          method,
+          path,
+          headers: { 'Content-Type': 'application/json', ...headers },
+        },
+        (response) => {
+          let received = 0;
+          response.on('data', (piece) => (received += piece.length));
+          response.on('error', (error) => reject(Object.assign(error, { received })));
+          const { statusCode: status, headers: fields, rawHeaders } = response;
+          collect(response, (raw) => resolve(decoded({ status, headers: fields, rawHeaders, raw })));
+        },
+      );
+      request.on('error', reject);
+      request.end(method === 'POST' ? body : undefined);
+    });
+  }
+
+  // The same over HTTP/2.
+  http2({ headers = {}, body = discoveryBody } = {}) {
+    return new Promise((resolve, reject) => {
+      const session = http2.connect(this.service.url, {
+        ca: this.ca,
+        servername: 'api.bookstore.example',
+      });
+      const fail = (error) => {
+        session.destroy();
+        reject(error);
+      };
+      session.on('error', fail);
+      const stream = session.request({
+        ':method': 'POST',
+        ':path': '/graphql',
+        'content-type': 'application/json',
+        ...headers,
+      });
+      const answer = {};
+      stream.on('response', (headers) => Object.assign(answer, { headers, status: headers[':status'] }));
+      stream.on('error', fail);
+      collect(stream, (raw) => Object.assign(answer, { raw }));
+      stream.on('close', () => {
+        session.close();
+        const isWhole = stream.rstCode === http2.constants.NGHTTP2_NO_ERROR && answer.headers;
+        if (isWhole) resolve(decoded(answer));
+        else reject(new Error('the stream was cut'));
+      });
+      stream.end(body);
+    });
+  }
+
+  query(query, headers = {}) {
+    return this.http1({ body: JSON.stringify({ query }), headers });
+  }
+
+  // Asks the control port; resolves with the status and the JSON of its answer.
+  async control(method, path, value) {
+    const response = await fetch(`${this.service.controlUrl}${path}`, {
+      method,
+      body: value === undefined ? undefined : JSON.stringify(value),
+    });
+    return { status: response.status, json: await response.json() };
+  }
+
+  useLine(line) {
+    return this.control('PATCH', '/settings', { line });
+  }
+
+  async fault(fault) {
+    const answer = await this.control('POST', '/faults', fault);
+    if (answer.status !== 200) throw new Error(answer.json.error);
+  }
+
+  // Back to how it started, for tests that share a service.
+  async reset() {
+    await this.control('PATCH', '/settings', {
+      line: 'new',
+      cacheIdHeader: 'X-Magento-Cache-Id',
+      sessionCookies: true,
+    });
+    await this.control('DELETE', '/faults');
+    await this.control('DELETE', '/requests');
+  }
+}
+
+export async function startTestService(options = {}) {
+  const state = temporaryFolder();
+  try {
+    return new TestService(await startService({ stateFolder: state.path, ...options }), state);
+  } catch (error) {
+    state.remove();
+    throw error;
+  }
+}
