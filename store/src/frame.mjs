@@ -6,11 +6,11 @@ import { createHandler } from 'graphql-http';
 import { cacheId } from './cacheId.mjs';
 import { guest, identifyCaller } from './callers.mjs';
 import { lines } from './lines.mjs';
-import { pages } from './pages.mjs';
+import { page, pages } from './pages.mjs';
 import { phpJson } from './phpJson.mjs';
 import { Category, Reason, Refusal } from './platformErrors.mjs';
 import { checkCurrency, describeOperation, findStore, readParameters } from './requestParts.mjs';
-import { answerHeaders, pageHeaders } from './responseHeaders.mjs';
+import { answerHeaders } from './responseHeaders.mjs';
 
 // What an operation threw without meaning to is hidden from the client, as the platform does.
 function formatError(error) {
@@ -41,13 +41,9 @@ function isCacheIdSent(request, line, settings) {
   return line.sendsCacheIdForMutations || !request.body.includes('mutation');
 }
 
-function page(status, body) {
-  return { status, headers: pageHeaders(), body, operation: null };
-}
-
 // Makes the function `(request) => answer`. A request has `method`, `url`, `hostName`, `headers`
 // (names in lower case) and `body` (a Buffer); an answer has `status`, `headers` (pairs), `body`
-// (text or null) and `operation` (the root field that was asked for, or null).
+// (text, bytes or null) and `operation` (the root field that was asked for, or null).
 export function createFrame({ schema, operations, services, tokenReaders, settings, salt }) {
   const execute = createHandler({
     schema,

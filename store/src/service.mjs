@@ -64,7 +64,7 @@ export async function startService({ stateFolder, port = 0, controlPort = 0, lin
     settings,
     salt: loadCacheSalt(stateFolder),
   });
-  const routes = new Map([['/graphql', answerGraphql]]);
+  const routes = [{ matches: (path) => path === '/graphql', answer: answerGraphql }];
 
   const store = createStoreServer({ certificates, routes, faults, requestLog });
   const control = createControlServer({ settings, faults, requestLog });

@@ -3,15 +3,10 @@ import { createSecureServer } from 'node:http2';
 
 import { closeConnection, deliver, hasClientLeft } from './delivery.mjs';
 import { applyFault } from './faults.mjs';
-import { pages } from './pages.mjs';
-import { pageHeaders } from './responseHeaders.mjs';
+import { page, pages } from './pages.mjs';
 
 const maximumBodyBytes = 10 * 1024 * 1024;
 const keepAliveMilliseconds = 75000;
-
-function page(status, body) {
-  return { status, headers: pageHeaders(), body, operation: null };
-}
 
 // The body, or null when it is larger than the web server before the platform would take.
 async function readBody(request) {
@@ -29,14 +24,16 @@ function hostName(request) {
   return authority.replace(/:\d+$/, '');
 }
 
-// `routes` maps a path to its handler `(request) => answer` (see frame.mjs for both).
+// `routes` is a list of `{ matches(path), answer(request) }`, of which the first match answers; see
+// frame.mjs for requests and answers.
 export function createStoreServer({ certificates, routes, faults, requestLog }) {
   async function answer(request, body) {
     if (body === null) return page(413, pages.tooLarge);
-    const handler = routes.get(request.url.split('?')[0]);
-    if (!handler) return page(404, pages.notFound);
+    const [path] = request.url.split('?');
+    const route = routes.find(({ matches }) => matches(path));
+    if (!route) return page(404, pages.notFound);
     const { method, url, headers } = request;
-    return handler({ method, url, headers, body, hostName: hostName(request) });
+    return route.answer({ method, url, headers, body, hostName: hostName(request) });
   }
 
   async function serve(request, response) {

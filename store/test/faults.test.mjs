@@ -152,7 +152,7 @@ describe('a client that leaves an endless answer', () => {
   test('over HTTP/2 does no harm', async (t) => {
     const log = t.mock.method(console, 'error', () => {});
     await store.fault({ endless: true, times: 1 });
-    const session = http2.connect(store.service.url, { ca: store.ca });
+    const session = http2.connect(store.service.url, { ca: store.ca, servername: 'localhost' });
     const stream = session.request({
       ':method': 'POST',
       ':path': '/graphql',
