@@ -1,0 +1,29 @@
+// The host's side of the device's log: ov_print_log2 writes one line per call, up to the level, and
+// to the place, that the settings name. Safe from any thread; errno is kept.
+
+#ifndef HOST_LOG_H_
+#define HOST_LOG_H_
+
+#include <ov_sdk.h>
+
+#include <string>
+
+namespace host {
+
+constexpr int kLogFailure = 2;
+constexpr int kLogInformation = 5;
+
+// True when a line of this level would be written.
+bool logs(int level);
+
+// `text` on one line that does nothing to a terminal: control characters and bytes that are not
+// UTF-8 become \n, \r, \t or \xHH; all else stays, a backslash too.
+std::string visibleText(const std::string& text);
+
+}  // namespace host
+
+// Logs a failure of the host's own: what failed, where, and what to try, in printf's manner.
+#define HOST_LOG_FAILURE(...) \
+  ov_print_log2(::host::kLogFailure, __FILE__, __LINE__, __func__, __VA_ARGS__)
+
+#endif  // HOST_LOG_H_
