@@ -1,0 +1,44 @@
+#include "host/HttpSettings.h"
+
+#include <limits>
+#include <sstream>
+
+#include "host/Settings.h"
+
+namespace host {
+
+namespace {
+
+const long long kMostSeconds = 86400;
+
+std::vector<std::string> splitAtCommas(const std::string& list) {
+  std::vector<std::string> entries;
+  std::istringstream in(list);
+  for (std::string entry; std::getline(in, entry, ',');) {
+    if (!entry.empty()) {
+      entries.push_back(entry);
+    }
+  }
+  return entries;
+}
+
+long seconds(const Setting& setting) {
+  return static_cast<long>(number(setting, 1, kMostSeconds));
+}
+
+}  // namespace
+
+HttpSettings readHttpSettings() {
+  HttpSettings result = {};
+  result.caFile = text(settings::kCaFile);
+  result.pinnedKey = text(settings::kPinnedKey);
+  result.connectTo = splitAtCommas(text(settings::kConnectTo));
+  result.http2 = text(settings::kHttpVersion) == "2";
+  result.maxAnswerBytes = static_cast<std::uint64_t>(
+      number(settings::kMaxAnswerBytes, 1, std::numeric_limits<long long>::max()));
+  result.connectTimeoutSeconds = seconds(settings::kConnectTimeoutSeconds);
+  result.stallTimeoutSeconds = seconds(settings::kStallTimeoutSeconds);
+  return result;
+}
+
+}  // namespace host
