@@ -184,10 +184,10 @@ std::string visibleText(const std::string& text) {
 
 void ov_print_log2(int level, const char* file, int line, const char* function, const char* format,
                    ...) {
+  const host::ErrnoKeeper keeper;
   if (!host::logs(level)) {
     return;
   }
-  const host::ErrnoKeeper keeper;
   va_list values;
   va_start(values, format);
   std::string text = host::formatted(format, values);
