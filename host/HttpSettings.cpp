@@ -33,7 +33,7 @@ HttpSettings readHttpSettings() {
   result.caFile = text(settings::kCaFile);
   result.pinnedKey = text(settings::kPinnedKey);
   result.connectTo = splitAtCommas(text(settings::kConnectTo));
-  result.http2 = text(settings::kHttpVersion) == "2";
+  result.http2 = choice(settings::kHttpVersion, {"1.1", "2"}) == "2";
   result.maxAnswerBytes = static_cast<std::uint64_t>(
       number(settings::kMaxAnswerBytes, 1, std::numeric_limits<long long>::max()));
   result.connectTimeoutSeconds = seconds(settings::kConnectTimeoutSeconds);

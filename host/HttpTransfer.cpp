@@ -5,7 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include <orvane/utilities/Str.h>
 #include <ov_sdk.h>
+
+using orvane::utilities::Str;
 
 namespace host {
 
@@ -241,7 +244,8 @@ std::unordered_map<std::string, std::string> HttpTransfer::headers() const {
   curl_header* header = nullptr;
   while ((header = curl_easy_nextheader(curl_.get(), CURLH_HEADER, kFinalAnswer, header)) !=
          nullptr) {
-    result.emplace(lowerCase(header->name), header->value);
+    // libcurl leaves the end of the line in a value that is empty otherwise.
+    result.emplace(lowerCase(header->name), Str::trim(header->value));
   }
   return result;
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -70,14 +71,13 @@ bool parseNumber(const std::string& digits, long long lowest, long long highest,
 }
 
 // A setting is read at every request: its fault is worth one line, not one line each time.
-void reportOnce(const Setting& setting, const std::string& value, long long lowest,
-                long long highest) {
+void reportOnce(const Setting& setting, const std::string& value, const std::string& expected) {
   static std::mutex mutex;
   static std::set<std::string> reported;
   const std::lock_guard<std::mutex> guard(mutex);
   if (reported.insert(setting.name + ("=" + value)).second) {
-    std::fprintf(stderr, "%s=%s is not a whole number from %lld to %lld; using %s\n", setting.name,
-                 value.c_str(), lowest, highest, setting.fallback);
+    std::fprintf(stderr, "%s=%s is not %s; using %s\n", setting.name, value.c_str(),
+                 expected.c_str(), setting.fallback);
   }
 }
 
@@ -109,10 +109,24 @@ long long number(const Setting& setting, long long lowest, long long highest) {
   const std::string value = text(setting);
   long long result = 0;
   if (!parseNumber(value, lowest, highest, &result)) {
-    reportOnce(setting, value, lowest, highest);
+    reportOnce(setting, value,
+               "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
     parseNumber(setting.fallback, lowest, highest, &result);
   }
   return result;
+}
+
+std::string choice(const Setting& setting, const std::vector<std::string>& allowed) {
+  const std::string value = text(setting);
+  if (std::find(allowed.begin(), allowed.end(), value) != allowed.end()) {
+    return value;
+  }
+  std::string expected = "one of";
+  for (const std::string& each : allowed) {
+    expected += " " + each;
+  }
+  reportOnce(setting, value, expected);
+  return setting.fallback;
 }
 
 bool isOn(const Setting& setting) {

@@ -42,6 +42,10 @@ std::string text(const Setting& setting);
 // not such a number is reported once on standard error, and the fallback counts.
 long long number(const Setting& setting, long long lowest, long long highest);
 
+// The text of a setting that must be one of `allowed`. Another one is reported once on standard
+// error, and the fallback counts.
+std::string choice(const Setting& setting, const std::vector<std::string>& allowed);
+
 // True when the setting is "1".
 bool isOn(const Setting& setting);
 
