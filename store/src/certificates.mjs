@@ -79,10 +79,10 @@ function makeServerCertificate(files) {
   rmSync(extensions);
 }
 
-function isUsable(certificatePath, keyPath) {
+function isUsable(certificatePath, keyPath, now) {
   if (!existsSync(certificatePath) || !existsSync(keyPath)) return false;
   const { validTo } = new X509Certificate(readFileSync(certificatePath));
-  return Date.parse(validTo) - Date.now() > renewBeforeMilliseconds;
+  return Date.parse(validTo) - now > renewBeforeMilliseconds;
 }
 
 function isSignedBy(certificatePath, authorityPath) {
@@ -92,15 +92,16 @@ function isSignedBy(certificatePath, authorityPath) {
 
 // Makes what is missing or about to expire. Returns the key and certificate chain as PEM texts for
 // the server and `authorityPath`, the file that clients trust.
-export function prepareCertificates(stateFolder) {
+export function prepareCertificates(stateFolder, now = Date.now()) {
   const files = {
     authorityKey: join(stateFolder, 'ca.key'),
     authority: join(stateFolder, 'ca.pem'),
     serverKey: join(stateFolder, 'server.key'),
     server: join(stateFolder, 'server.pem'),
   };
-  if (!isUsable(files.authority, files.authorityKey)) makeAuthority(files);
-  const kept = isUsable(files.server, files.serverKey) && isSignedBy(files.server, files.authority);
+  if (!isUsable(files.authority, files.authorityKey, now)) makeAuthority(files);
+  const kept =
+    isUsable(files.server, files.serverKey, now) && isSignedBy(files.server, files.authority);
   if (!kept) makeServerCertificate(files);
   return {
     key: readFileSync(files.serverKey),

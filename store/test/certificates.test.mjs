@@ -64,6 +64,18 @@ test('both are kept, and the server certificate alone is made again when it is l
   assert.equal(readFileSync(second.authorityPath, 'utf8'), authority);
 });
 
+test('the server certificate is renewed in the week before it expires', (t) => {
+  const folder = temporaryFolder();
+  t.after(folder.remove);
+  const day = 24 * 3600 * 1000;
+  const first = prepareCertificates(folder.path);
+  const authority = readFileSync(first.authorityPath, 'utf8');
+  const expires = Date.parse(new X509Certificate(first.cert).validTo);
+  assert.deepEqual(prepareCertificates(folder.path, expires - 8 * day).cert, first.cert);
+  assert.notDeepEqual(prepareCertificates(folder.path, expires - 6 * day).cert, first.cert);
+  assert.equal(readFileSync(first.authorityPath, 'utf8'), authority);
+});
+
 test('a new authority signs a new server certificate', (t) => {
   const folder = temporaryFolder();
   t.after(folder.remove);

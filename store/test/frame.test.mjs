@@ -151,6 +151,10 @@ test('the answer names the root field for the faults', async () => {
   assert.equal((await ask('{ who')).operation, null);
 });
 
+test('blanks around the store code do not count', async () => {
+  assert.equal((await ask('{ who }', { store: ' de_de ' })).body, '{"data":{"who":"guest"}}');
+});
+
 describe('a bearer token', () => {
   const who = async (authorization) =>
     JSON.parse((await ask('{ who }', { authorization })).body).data?.who;

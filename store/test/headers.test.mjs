@@ -1,4 +1,5 @@
 import assert from 'node:assert/strict';
+import { Agent } from 'node:https';
 import { after, afterEach, before, describe, test } from 'node:test';
 
 import { startTestService } from './support.mjs';
@@ -42,9 +43,8 @@ describe('the cache id', () => {
 
 describe('cookies', () => {
   test('are two lines on an answer to POST', async () => {
-    const cookies = (await store.http1({ headers: { Host: 'api.bookstore.example' } })).headers[
-      'set-cookie'
-    ];
+    const { headers } = await store.http1({ headers: { Host: 'api.bookstore.example:8443' } });
+    const cookies = headers['set-cookie'];
     assert.equal(cookies.length, 2);
     assert.match(
       cookies[0],
@@ -73,6 +73,23 @@ describe('the answer', () => {
     assert.ok(Date.parse(headers.expires) < Date.now());
     assert.equal(headers['x-frame-options'], 'SAMEORIGIN');
     assert.equal(headers['transfer-encoding'], 'chunked');
+  });
+
+  test('may be cached when the request was a GET', async () => {
+    const path = '/graphql?query=%7BavailableBookStores%7Burl%7D%7D';
+    const { headers } = await store.http1({ method: 'GET', path });
+    assert.equal(headers['cache-control'], undefined);
+    assert.equal(headers.pragma, undefined);
+  });
+
+  test('leaves the connection open for the next request', async (t) => {
+    const agent = new Agent({ keepAlive: true });
+    t.after(() => agent.destroy());
+    const first = await store.http1({ agent });
+    await store.http1({ agent });
+    assert.equal(first.headers['keep-alive'], 'timeout=75');
+    const requests = (await store.control('GET', '/requests')).json;
+    assert.equal(requests[0].connection, requests[1].connection);
   });
 
   test('has the older cache-control order on the old line', async () => {

@@ -1,7 +1,7 @@
 // scripts/store as a person or a test calls it, each with a state folder of its own.
 import assert from 'node:assert/strict';
 import { spawn, spawnSync } from 'node:child_process';
-import { existsSync, readFileSync, writeFileSync } from 'node:fs';
+import { existsSync, readFileSync, statSync, writeFileSync } from 'node:fs';
 import { createServer } from 'node:net';
 import { join } from 'node:path';
 import { afterEach, beforeEach, test } from 'node:test';
@@ -46,6 +46,14 @@ test('start prints where the service is, and it answers there', async () => {
   assert.match(readFileSync(fields.ca, 'utf8'), /BEGIN CERTIFICATE/);
   assert.equal((await (await fetch(`${fields.control}/settings`)).json()).line, 'old');
   assert.ok(readFileSync(join(state, 'store.env'), 'utf8').includes(`pid=${fields.pid}\n`));
+});
+
+test('what the service writes is readable by its owner only', () => {
+  run('start');
+  assert.equal(statSync(state).mode & 0o777, 0o700);
+  for (const name of ['ca.key', 'ca.pem', 'cache-salt', 'store.env']) {
+    assert.equal(statSync(join(state, name)).mode & 0o777, 0o600, name);
+  }
 });
 
 test('a second start says that it runs already and starts nothing', () => {

@@ -164,6 +164,11 @@ describe('whatever the line', () => {
     assert.equal(answer.json().data.availableBookStores[0].url, 'https://de.bookstore.example/');
   });
 
+  test('a GET request with variables that are not JSON is refused', async () => {
+    const path = `/graphql?query=${encodeURIComponent(query)}&variables=%7B`;
+    assert.equal((await store.http1({ method: 'GET', path })).status, 400);
+  });
+
   test('OPTIONS gives 204 without a body', async () => {
     const answer = await store.http1({ method: 'OPTIONS' });
     assert.equal(answer.status, 204);

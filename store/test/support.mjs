@@ -44,9 +44,15 @@ class TestService {
     this.state.remove();
   }
 
-  // One request on a connection of its own over HTTP/1.1. Rejects when the transfer fails; the
+  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when the transfer fails; the
   // error then has `received`, the number of body bytes that came before.
-  http1({ method = 'POST', path = '/graphql', headers = {}, body = discoveryBody } = {}) {
+  http1({
+    method = 'POST',
+    path = '/graphql',
+    headers = {},
+    body = discoveryBody,
+    agent = false,
+  } = {}) {
     return new Promise((resolve, reject) => {
       const request = https.request(
         {
@@ -54,7 +60,7 @@ class TestService {
           port: this.service.port,
           servername: 'api.bookstore.example',
           ca: this.ca,
-          agent: false,
+          agent,
           method,
           path,
           headers: { 'Content-Type': 'application/json', ...headers },
