@@ -2,6 +2,7 @@
 
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 #include "host/DryRun.h"
 #include "host/HttpRequestData.h"
@@ -54,10 +55,10 @@ int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
   return result;
 }
 
-int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
-                                      std::unordered_map<std::string, std::string>* headers,
-                                      ReadCallback read, WriteCallback write,
-                                      ProgressCallback progress) {
+int HttpRequestRunner::PerformRequest(
+    const HttpRequest& request, long* status, std::unordered_map<std::string, std::string>* headers,
+    ReadCallback read,  // NOLINT(*-value-param): the platform's signature
+    WriteCallback write, ProgressCallback progress) {
   const unsigned int kNoLimit = 0;
   *status = 0;
   headers->clear();

@@ -117,7 +117,7 @@ long long number(const Setting& setting, long long lowest, long long highest) {
 }
 
 std::string choice(const Setting& setting, const std::vector<std::string>& allowed) {
-  const std::string value = text(setting);
+  std::string value = text(setting);
   if (std::find(allowed.begin(), allowed.end(), value) != allowed.end()) {
     return value;
   }

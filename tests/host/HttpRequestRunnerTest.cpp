@@ -11,7 +11,6 @@
 #include "host/HttpTransfer.h"
 #include "tests/host/HttpTest.h"
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;

@@ -23,7 +23,7 @@ extern "C" void ov_print_log2(int level, const char*, int, const char*, const ch
   std::array<char, 2000> text = {};
   std::va_list values;
   va_start(values, format);
-  std::vsnprintf(text.data(), text.size(), format, values);
+  std::vsnprintf(text.data(), text.size(), format, values);  // NOLINT(*-valist.Uninitialized)
   va_end(values);
   recordedLines().emplace_back(level, text.data());
 }
@@ -36,12 +36,12 @@ HttpTest::HttpTest() {
 
 HttpTest::~HttpTest() {
   for (const std::string& name : names_) {
-    ::unsetenv(name.c_str());
+    ::unsetenv(name.c_str());  // NOLINT(concurrency-mt-unsafe)
   }
 }
 
 void HttpTest::set(const std::string& name, const std::string& value) {
-  ::setenv(name.c_str(), value.c_str(), 1);
+  ::setenv(name.c_str(), value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
   names_.push_back(name);
 }
 

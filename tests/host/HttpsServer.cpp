@@ -9,8 +9,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
+#include <filesystem>
 #include <stdexcept>
+#include <system_error>
 
 namespace support {
 
@@ -74,7 +75,8 @@ HttpsServer::HttpsServer() : folder_(makeFolder()) {
 HttpsServer::~HttpsServer() {
   ::kill(process_, SIGTERM);
   ::waitpid(process_, nullptr, 0);
-  runShell("rm -r " + folder_);
+  std::error_code ignored;
+  std::filesystem::remove_all(folder_, ignored);
 }
 
 void HttpsServer::makeCertificate() {
