@@ -69,7 +69,10 @@ function makeServerCertificate(files) {
       'authorityKeyIdentifier=keyid\n',
   );
   makePair(files.serverKey, files.server, (key, certificate) => {
-    openssl('req', '-new', ...newKey, '-keyout', key, '-out', request, '-subj', '/CN=bookstore.example');
+    openssl(
+      'req', '-new', ...newKey, '-keyout', key, '-out', request,
+      '-subj', '/CN=bookstore.example',
+    );
     openssl(
       'x509', '-req', '-in', request, '-out', certificate, '-days', String(serverDays),
       '-CA', files.authority, '-CAkey', files.authorityKey, '-extfile', extensions,

@@ -38,7 +38,8 @@ export function checkFault(value) {
   if (!isObject(value)) throw new Error('a fault must be an object');
   for (const [name, content] of Object.entries(value)) {
     const member = members[name];
-    if (!member) throw new Error(`unknown member "${name}"; use ${Object.keys(members).join(', ')}`);
+    const known = Object.keys(members).join(', ');
+    if (!member) throw new Error(`unknown member "${name}"; use ${known}`);
     if (!member.check(content)) throw new Error(`"${name}" must be ${member.wants}`);
   }
   return { operation: '*', ...value };

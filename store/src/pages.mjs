@@ -2,7 +2,10 @@
 import { pageHeaders } from './responseHeaders.mjs';
 
 function html(title, heading) {
-  return `<!doctype html>\n<html><head><title>${title}</title></head>\n<body><h1>${heading}</h1></body></html>\n`;
+  return (
+    `<!doctype html>\n<html><head><title>${title}</title></head>\n` +
+    `<body><h1>${heading}</h1></body></html>\n`
+  );
 }
 
 export const pages = Object.freeze({

@@ -26,7 +26,8 @@ export const defaultSettings = Object.freeze({
 export function checkSettings(value) {
   for (const [name, content] of Object.entries(value ?? {})) {
     const member = members[name];
-    if (!member) throw new Error(`unknown setting "${name}"; use ${Object.keys(members).join(', ')}`);
+    const known = Object.keys(members).join(', ');
+    if (!member) throw new Error(`unknown setting "${name}"; use ${known}`);
     if (!member.check(content)) throw new Error(`"${name}" must be ${member.wants}`);
   }
   return { ...value };

@@ -29,7 +29,10 @@ test('lists the members of a store in the order of the query', async () => {
     providerID: 'bookstore-de',
     currency: 'EUR',
   });
-  assert.equal(Object.keys(first).join(), 'url,apiUrl,storeName,language,langCode,storeCode,status,integrationToken,providerID,currency');
+  assert.equal(
+    Object.keys(first).join(),
+    'url,apiUrl,storeName,language,langCode,storeCode,status,integrationToken,providerID,currency',
+  );
 });
 
 test('has one store without a name but with a language', async () => {

@@ -97,7 +97,9 @@ class TestService {
         ...headers,
       });
       const answer = {};
-      stream.on('response', (headers) => Object.assign(answer, { headers, status: headers[':status'] }));
+      stream.on('response', (headers) =>
+        Object.assign(answer, { headers, status: headers[':status'] }),
+      );
       stream.on('error', fail);
       collect(stream, (raw) => Object.assign(answer, { raw }));
       stream.on('close', () => {
