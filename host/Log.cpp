@@ -15,6 +15,7 @@
 
 #include "host/MaskSecrets.h"
 #include "host/Settings.h"
+#include "host/VisibleText.h"
 
 namespace host {
 namespace {
@@ -61,46 +62,6 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
   }
   va_end(again);
   return text;
-}
-
-// The length of the UTF-8 character that begins at `bytes`; 0 when none does, or a control
-// character.
-std::size_t printableCharacter(const unsigned char* bytes, std::size_t available) {
-  const unsigned char first = bytes[0];
-  if (first < 0x80) {
-    return first >= 0x20 && first != 0x7f ? 1 : 0;
-  }
-  const std::size_t length = first < 0xc2 ? 0 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-  if (length == 0 || first > 0xf4 || length > available) {
-    return 0;
-  }
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((bytes[i] & 0xc0) != 0x80) {
-      return 0;
-    }
-  }
-  const unsigned char second = bytes[1];
-  const bool tooLong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
-  const bool outOfRange = (first == 0xed && second > 0x9f) || (first == 0xf4 && second > 0x8f);
-  const bool isControl = first == 0xc2 && second < 0xa0;
-  return tooLong || outOfRange || isControl ? 0 : length;
-}
-
-void appendVisible(unsigned char byte, std::string* line) {
-  switch (byte) {
-    case '\n':
-      *line += "\\n";
-      return;
-    case '\r':
-      *line += "\\r";
-      return;
-    case '\t':
-      *line += "\\t";
-      return;
-    default:
-      static const char digits[] = "0123456789abcdef";
-      *line += {'\\', 'x', digits[byte >> 4], digits[byte & 0x0f]};
-  }
 }
 
 // One write where the system takes the line whole, so that lines of two processes do not mix.
@@ -161,23 +122,6 @@ std::string orUnknown(const char* text) {
 
 bool logs(int level) {
   return level >= kLogFailure && level <= number(settings::kLogLevel, 0, 9);
-}
-
-std::string visibleText(const std::string& text) {
-  std::string line;
-  line.reserve(text.size());
-  for (std::size_t at = 0; at < text.size();) {
-    const unsigned char* bytes = reinterpret_cast<const unsigned char*>(text.data()) + at;
-    const std::size_t length = printableCharacter(bytes, text.size() - at);
-    if (length == 0) {
-      appendVisible(*bytes, &line);
-      ++at;
-    } else {
-      line.append(text, at, length);
-      at += length;
-    }
-  }
-  return line;
 }
 
 }  // namespace host

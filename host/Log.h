@@ -6,8 +6,6 @@
 
 #include <ov_sdk.h>
 
-#include <string>
-
 namespace host {
 
 constexpr int kLogFailure = 2;
@@ -16,13 +14,10 @@ constexpr int kLogInformation = 5;
 // True when a line of this level would be written.
 bool logs(int level);
 
-// `text` on one line that does nothing to a terminal: control characters and bytes that are not
-// UTF-8 become \n, \r, \t or \xHH; all else stays, a backslash too.
-std::string visibleText(const std::string& text);
-
 }  // namespace host
 
-// Logs a failure of the host's own: what failed, where, and what to try, in printf's manner.
+// Logs a failure of the host's own in printf's manner: what failed, where, and what to try. A
+// macro, because the line names the place of the call.
 #define HOST_LOG_FAILURE(...) \
   ov_print_log2(::host::kLogFailure, __FILE__, __LINE__, __func__, __VA_ARGS__)
 

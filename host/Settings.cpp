@@ -34,6 +34,8 @@ const Setting kLogLevel = {"ORVANE_LOG_LEVEL", "2",
 const Setting kLogTarget = {"ORVANE_LOG", "stderr", "where the log goes: stderr, syslog or a file"};
 const Setting kLogSecrets = {"ORVANE_LOG_SECRETS", "0",
                              "1 shows tokens and passwords in the log instead of masking them"};
+const Setting kStoreVersion = {"ORVANE_STORE_VERSION", "3",
+                               "generation of the book store that the device uses"};
 }  // namespace settings
 
 const std::vector<Setting>& allSettings() {
@@ -49,6 +51,7 @@ const std::vector<Setting>& allSettings() {
       settings::kLogLevel,
       settings::kLogTarget,
       settings::kLogSecrets,
+      settings::kStoreVersion,
   };
   return all;
 }

@@ -30,6 +30,7 @@ extern const Setting kStallTimeoutSeconds;
 extern const Setting kLogLevel;
 extern const Setting kLogTarget;
 extern const Setting kLogSecrets;
+extern const Setting kStoreVersion;
 }  // namespace settings
 
 // Every setting, in the order of the manual page.
