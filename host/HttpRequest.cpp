@@ -31,7 +31,7 @@ std::string curlHeaderLine(const Header& header) {
   return isBlank ? header.first + ";" : header.first + ": " + header.second;
 }
 
-// One word of a POSIX shell.
+// One word of a POSIX shell. A NUL has no place in one: no command line can hold it.
 std::string quoted(const std::string& text) {
   std::string word = "'";
   for (const char character : text) {
@@ -59,14 +59,15 @@ std::string settingsOptions(const HttpSettings& settings) {
 }
 
 std::string curlCommand(const HttpRequestData& request) {
+  const bool asksForHead = request.method == "HEAD";
   std::string command = "curl --globoff --compressed --noproxy '*'";
   command += settingsOptions(readHttpSettings());
-  command += request.method == "HEAD" ? " --head" : " -X " + quoted(request.method);
+  command += asksForHead ? " --head" : " -X " + quoted(request.method);
   command += " --url " + quoted(request.url);
   for (const std::string& line : curlHeaderLines(request)) {
     command += " -H " + quoted(line);
   }
-  if (request.hasBody && request.method != "HEAD") {
+  if (request.hasBody && !asksForHead) {
     command += " --data-raw " + quoted(request.body);
   }
   return command;

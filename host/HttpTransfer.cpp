@@ -91,12 +91,11 @@ int report(const HttpRequestData& request, const Failure& failure) {
   return failure.result;
 }
 
-// Nothing travels to where nobody sent it, and nothing is kept that the caller did not ask for.
 void setBounds(CurlHandle& curl) {
   curl.set(CURLOPT_PROTOCOLS_STR, "https");
-  curl.set(CURLOPT_FOLLOWLOCATION, 0L);  // a bearer token must not travel
   curl.set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
-  curl.set(CURLOPT_PROXY, "");  // nor take a way that only the environment names
+  curl.set(CURLOPT_FOLLOWLOCATION, 0L);
+  curl.set(CURLOPT_PROXY, "");  // not set, the environment's would count
   curl.set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
   curl.set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
 }

@@ -27,6 +27,10 @@ enum HttpTransferFailure : int {
   kAnswerTooLarge = 1004,  // the body of the answer grew beyond ORVANE_MAX_ANSWER_BYTES
 };
 
+// How every transfer travels: by https only, to a server whose certificate and name verify, on a
+// kept connection where there is one. No redirect is followed, no cookie kept, no password taken
+// from a .netrc file or a URL, and no proxy from the environment: a bearer token goes only where
+// the request and the host's own settings say.
 class HttpTransfer {
  public:
   using WriteCallback = orvane::utilities::HttpRequestRunner::WriteCallback;

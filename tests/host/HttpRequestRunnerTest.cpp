@@ -170,6 +170,10 @@ TEST_F(HttpRequestRunnerTest, RefusesAnEmptyOrMalformedUrl) {
   EXPECT_EQ(getFrom(url(std::string("/echo\0", 6))).result, host::kUrlRefused);
 }
 
+TEST_F(HttpRequestRunnerTest, RefusesAUrlThatIsTooLongForLibcurl) {
+  EXPECT_EQ(getFrom(url("/" + std::string(9 << 20, 'a'))).result, CURLE_BAD_FUNCTION_ARGUMENT);
+}
+
 TEST_F(HttpRequestRunnerTest, RefusesWhatIsNotHttps) {
   for (const std::string start : {"http://", "ftp://", "file:///", "gopher://", ""}) {
     EXPECT_EQ(getFrom(start + "store.example/echo").result, CURLE_UNSUPPORTED_PROTOCOL) << start;
