@@ -1,0 +1,84 @@
+#include "graphql_api/GraphQLHeader.h"
+
+#include <ov_sdk.h>
+
+std::string deviceModel;
+std::string softwareVersion;
+std::string serialNumber;
+std::string userAgent;
+
+namespace graphql {
+
+namespace {
+
+bool identityFilled = false;
+
+// The model's text from its first decimal digit on.
+std::string modelNumber(const std::string& model) {
+  const std::size_t digit = model.find_first_of("0123456789");
+  return digit == std::string::npos ? std::string() : model.substr(digit);
+}
+
+void fillIdentity() {
+  if (identityFilled) {
+    return;
+  }
+  identityFilled = true;
+  const std::string number = modelNumber(GetDeviceModel());
+  deviceModel = "eink " + number;
+  softwareVersion = std::string(GetSoftwareVersion());
+  serialNumber = std::string(GetSerialNumber());
+  // On purpose no blank before the bracket: servers know this exact form.
+  userAgent = "Orvane Reader/" + number + "(screen " + std::to_string(ScreenWidth()) + "x" +
+              std::to_string(ScreenHeight()) + "; FW " + softwareVersion + ")";
+}
+
+void addBearer(std::map<std::string, std::string>& headers, const char* name,
+               const std::string& token) {
+  if (!token.empty()) {
+    headers[name] = "Bearer " + token;
+  }
+}
+
+void addCredentials(const GraphQLStorageApi* storage, const GraphQLStorageApi::StoreInfo& store,
+                    GraphQLStorageApi::TokenType type,
+                    std::map<std::string, std::string>& headers) {
+  switch (type) {
+    case GraphQLStorageApi::None:
+      break;
+    case GraphQLStorageApi::Integration:
+      addBearer(headers, "Authorization", store.integrationToken);
+      break;
+    case GraphQLStorageApi::CustomerRefresh:
+      if (storage != nullptr) {
+        addBearer(headers, "RefreshToken", storage->refreshToken());
+      }
+      [[fallthrough]];
+    case GraphQLStorageApi::Customer:
+      if (storage != nullptr) {
+        addBearer(headers, "Authorization", storage->accessToken());
+      }
+      break;
+  }
+}
+
+}  // namespace
+
+std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLStorageApi>& storage,
+                                                  const GraphQLStorageApi::StoreInfo& store,
+                                                  GraphQLStorageApi::TokenType type) {
+  fillIdentity();
+  std::map<std::string, std::string> headers;
+  headers["Store"] = store.storeCode;
+  addCredentials(storage.get(), store, type, headers);
+  headers["Content-Type"] = "application/json";
+  headers["Cookie"] = "orvane-currency=" + store.currency + "; orvane-locale=" + store.langCode +
+                      "; orvane-store=" + store.storeCode;
+  headers["User-Agent"] = userAgent;
+  headers["x-header-reader-model"] = deviceModel;
+  headers["x-header-software-version"] = softwareVersion;
+  headers["x-header-deviceid"] = serialNumber;
+  return headers;
+}
+
+}  // namespace graphql

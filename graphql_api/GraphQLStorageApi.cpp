@@ -1,0 +1,314 @@
+#include "graphql_api/GraphQLStorageApi.h"
+
+#include <ov_sdk.h>
+
+#include <algorithm>
+#include <limits>
+#include <set>
+
+#include <orvane/utilities/BookStoreVersionProxy.h>
+#include <orvane/utilities/CfgWrapper.h>
+#include <boost/optional.hpp>
+
+#include "graphql_api/Log.h"
+
+using orvane::utilities::BookStoreVersionProxy;
+using orvane::utilities::CfgSecret;
+using orvane::utilities::CfgWrapper;
+
+namespace graphql {
+
+namespace {
+
+const char kStoreListPath[] = "/mnt/ext1/system/state/cache/store_list.cfg";
+const char kTokenPath[] = "/mnt/ext1/system/config/bookstore.cfg";
+
+const char* trueOrFalse(bool value) {
+  return value ? "true" : "false";
+}
+
+// Reads values of an open configuration, each under a key that ends in `suffix`. Absent keys read
+// as empty.
+class ValueReader {
+ public:
+  explicit ValueReader(const CfgWrapper& config, std::string suffix = std::string())
+      : config_(config), suffix_(std::move(suffix)) {}
+
+  void text(const std::string& key, std::string& value) const {
+    value = config_.read<std::string>(key + suffix_, std::string());
+  }
+  void secret(const std::string& key, std::string& value) const {
+    value = config_.read<CfgSecret>(key + suffix_, CfgSecret());
+  }
+  void flag(const std::string& key, bool& value) const {
+    value = config_.read<std::string>(key + suffix_, std::string()) == "true";
+  }
+
+ private:
+  const CfgWrapper& config_;
+  const std::string suffix_;
+};
+
+// The counterpart of ValueReader.
+class ValueWriter {
+ public:
+  explicit ValueWriter(const CfgWrapper& config, std::string suffix = std::string())
+      : handle_(config.handle), suffix_(std::move(suffix)) {}
+
+  void text(const std::string& key, const std::string& value) const {
+    WriteString(handle_, (key + suffix_).c_str(), value.c_str());
+  }
+  void secret(const std::string& key, const std::string& value) const {
+    WriteSecret(handle_, (key + suffix_).c_str(), value.c_str());
+  }
+  void flag(const std::string& key, bool value) const { text(key, trueOrFalse(value)); }
+
+ private:
+  ov_config* const handle_;
+  const std::string suffix_;
+};
+
+// The fields of one store in the order of the file, which is not the order of the members.
+template <typename Values, typename Store>
+void visitStore(const Values& values, Store& store) {
+  values.text("storeName", store.storeName);
+  values.text("providerID", store.providerID);
+  values.text("url", store.url);
+  values.text("apiUrl", store.apiUrl);
+  values.text("lang", store.language);
+  values.text("langCode", store.langCode);
+  values.text("storeCode", store.storeCode);
+  values.secret("token", store.integrationToken);
+  values.flag("status", store.status);
+  values.text("currency", store.currency);
+}
+
+GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int index) {
+  GraphQLStorageApi::StoreInfo store;
+  visitStore(ValueReader(config, std::to_string(index)), store);
+  return store;
+}
+
+// The index in `key` when that is the key of a record's web address, without which no record is
+// kept.
+boost::optional<unsigned int> urlIndex(const std::string& key) {
+  static const std::string kName = "url";
+  const std::string digits =
+      key.compare(0, kName.size(), kName) == 0 ? key.substr(kName.size()) : "";
+  const std::size_t most = std::to_string(std::numeric_limits<unsigned int>::max()).size();
+  if (digits.empty() || digits.size() > most ||
+      digits.find_first_not_of("0123456789") != std::string::npos) {
+    return boost::none;
+  }
+  const unsigned long long index = std::stoull(digits);
+  if (index > std::numeric_limits<unsigned int>::max() || std::to_string(index) != digits) {
+    return boost::none;
+  }
+  return static_cast<unsigned int>(index);
+}
+
+// The indices for which the file holds a web address.
+std::set<unsigned int> urlIndices(const CfgWrapper& config) {
+  std::set<unsigned int> indices;
+  for (const std::string& key : config.keys()) {
+    if (const boost::optional<unsigned int> index = urlIndex(key)) {
+      indices.insert(*index);
+    }
+  }
+  return indices;
+}
+
+// Walks the indices of the records that a file can hold. The count comes from the file and may
+// claim billions: once a record was dropped, only indices for which there is an address come up.
+class RecordIndices {
+ public:
+  RecordIndices(const CfgWrapper& config, unsigned int count) : config_(config), count_(count) {}
+
+  bool atEnd() const { return index_ >= count_; }
+  unsigned int current() const { return index_; }
+  void afterKept() { ++index_; }
+
+  void afterDropped() {
+    if (!addresses_) {
+      addresses_ = urlIndices(config_);
+    }
+    const auto next = addresses_->upper_bound(index_);
+    index_ = next == addresses_->end() ? count_ : *next;
+  }
+
+ private:
+  const CfgWrapper& config_;
+  const unsigned int count_;
+  unsigned int index_ = 0;
+  boost::optional<std::set<unsigned int>> addresses_;
+};
+
+}  // namespace
+
+bool GraphQLStorageApi::StoreInfo::isValid() const {
+  return !url.empty() && !apiUrl.empty();
+}
+
+GraphQLStorageApi::GraphQLStorageApi() {
+  reload();
+}
+
+GraphQLStorageApi::~GraphQLStorageApi() = default;
+
+void GraphQLStorageApi::reload() {
+  loadStoreList();
+  loadTokens();
+}
+
+GraphQLStorageApi::StoreInfoList GraphQLStorageApi::storesList() const {
+  return storesList_;
+}
+
+void GraphQLStorageApi::setStoresList(const StoreInfoList& list) {
+  storesList_ = list;
+  saveStoreList();
+}
+
+void GraphQLStorageApi::saveStoreList() {
+  const int count = static_cast<int>(storesList_.size());
+  GRAPHQL_LOG(kLogInformation, "Save stores: count [%d]", count);
+  CfgWrapper config(kStoreListPath, CfgWrapper::Write);
+  WriteInt(config.handle, "count", count);
+  int index = 0;
+  for (const StoreInfo& store : storesList_) {
+    visitStore(ValueWriter(config, std::to_string(index)), store);
+    GRAPHQL_LOG(kLogInformation, "Save stores: url [%d] [%s]", index, store.url.c_str());
+    ++index;
+  }
+  config.saveAndClose();
+}
+
+void GraphQLStorageApi::loadStoreList() {
+  storesList_.clear();
+  CfgWrapper config(kStoreListPath, CfgWrapper::Read);
+  // A negative count acts as the unsigned number of the same bits, as it always has.
+  const int count = config.readIfExists<int>("count").value_or(0);
+  RecordIndices indices(config, static_cast<unsigned int>(count));
+  while (!indices.atEnd()) {
+    StoreInfo store = readStore(config, indices.current());
+    if (!store.isValid()) {
+      indices.afterDropped();
+      continue;
+    }
+    storesList_.push_back(std::move(store));
+    GRAPHQL_LOG(kLogInformation, "Loaded stores: url [%d] [%s]",
+                static_cast<int>(indices.current()), storesList_.back().url.c_str());
+    indices.afterKept();
+  }
+  config.closeNoSave();
+  GRAPHQL_LOG(kLogInformation, "Loaded stores: count [%d]", static_cast<int>(storesList_.size()));
+}
+
+GraphQLStorageApi::StoreInfoList::const_iterator GraphQLStorageApi::findCurrentStore() const {
+  return std::find_if(storesList_.begin(), storesList_.end(), [this](const StoreInfo& store) {
+    return store.url == storeUrl_ && store.apiUrl == storeApiUrl_ &&
+           store.providerID == storeProvider_;
+  });
+}
+
+// Without a current store the index is that of the first store, but the record is the empty one.
+// Both on purpose: callers rely on either.
+int GraphQLStorageApi::currentStoreIndex() const {
+  const auto found = findCurrentStore();
+  return found == storesList_.end() ? 0 : static_cast<int>(found - storesList_.begin());
+}
+
+GraphQLStorageApi::StoreInfo GraphQLStorageApi::currentStore() const {
+  const auto found = findCurrentStore();
+  return found == storesList_.end() ? StoreInfo() : *found;
+}
+
+GraphQLStorageApi::StoreInfo GraphQLStorageApi::storeInfo(const std::string& providerID) const {
+  const auto found =
+      std::find_if(storesList_.begin(), storesList_.end(),
+                   [&](const StoreInfo& store) { return store.providerID == providerID; });
+  return found == storesList_.end() ? StoreInfo() : *found;
+}
+
+std::string GraphQLStorageApi::accessToken() const {
+  return accessToken_;
+}
+
+std::string GraphQLStorageApi::refreshToken() const {
+  return refreshToken_;
+}
+
+std::string GraphQLStorageApi::magentoCacheId() const {
+  return magentoCacheId_;
+}
+
+void GraphQLStorageApi::setTokens(const std::string& accessToken, const std::string& refreshToken,
+                                  const std::string& expiration, const StoreInfo& store,
+                                  const std::string& magentoCacheId) {
+  accessToken_ = accessToken;
+  refreshToken_ = refreshToken;
+  tokenExpiration_ = expiration;
+  if (store.isValid()) {
+    GRAPHQL_LOG(kLogInformation, "Store url: [%s]", store.url.c_str());
+    storeUrl_ = store.url;
+    storeApiUrl_ = store.apiUrl;
+    storeProvider_ = store.providerID;
+    magentoCacheId_ = magentoCacheId;
+  }
+  saveTokens();
+}
+
+// The fields of the session in the order of the file.
+template <typename Values, typename State>
+void GraphQLStorageApi::visitSession(const Values& values, State& state) {
+  values.secret(BookStoreVersionProxy::configKeyAccessToken(), state.accessToken_);
+  values.secret(BookStoreVersionProxy::configKeyRefreshToken(), state.refreshToken_);
+  values.secret(BookStoreVersionProxy::configKeyExpirationToken(), state.tokenExpiration_);
+  values.text("storeUrl", state.storeUrl_);
+  values.text("storeApiUrl", state.storeApiUrl_);
+  values.text("storeProvider", state.storeProvider_);
+  values.secret("storeCacheId", state.magentoCacheId_);
+}
+
+void GraphQLStorageApi::saveTokens() {
+  const bool hasStore = !storeUrl_.empty() && !storeApiUrl_.empty() && !storeProvider_.empty();
+  GRAPHQL_LOG(kLogInformation, "Save tokens: empty [%s] info [%s]", trueOrFalse(isAnyTokenEmpty()),
+              trueOrFalse(hasStore));
+  // Empty tokens are saved: that is how a sign-out reaches the file.
+  if (!hasStore) {
+    return;
+  }
+  CfgWrapper config(kTokenPath, CfgWrapper::Write);
+  visitSession(ValueWriter(config), *this);
+  config.save();
+}
+
+void GraphQLStorageApi::loadTokens() {
+  const CfgWrapper config(kTokenPath, CfgWrapper::Read);
+  // The device's own token only opens the gate; nothing else is done with it.
+  std::string deviceToken;
+  const ValueReader values(config);
+  values.secret(BookStoreVersionProxy::configKeySacAccessToken(), deviceToken);
+  if (!deviceToken.empty()) {
+    visitSession(values, *this);
+  }
+  GRAPHQL_LOG(kLogInformation, "Load tokens: empty [%s]", trueOrFalse(isAnyTokenEmpty()));
+}
+
+bool GraphQLStorageApi::isAnyTokenEmpty() const {
+  return accessToken_.empty() || refreshToken_.empty() || tokenExpiration_.empty();
+}
+
+bool GraphQLStorageApi::isLoggedIn() {
+  const std::lock_guard<std::mutex> guard(mutex_);
+  return !accessToken_.empty();
+}
+
+void GraphQLStorageApi::logoutOnlyFromStore() {
+  accessToken_.clear();
+  refreshToken_.clear();
+  tokenExpiration_.clear();
+  saveTokens();
+}
+
+}  // namespace graphql
