@@ -117,6 +117,12 @@ test('a killed service counts as not running and can be started again', () => {
   assert.notEqual(run('start').fields.pid, fields.pid);
 });
 
+test('install starts nothing and is done at once when the modules are there', () => {
+  const outcome = run('install');
+  assert.deepEqual([outcome.code, outcome.stdout, outcome.stderr], [0, '', '']);
+  assert.equal(existsSync(state), false);
+});
+
 test('a taken port is named', async () => {
   const server = createServer();
   await new Promise((resolve) => server.listen(0, '127.0.0.1', resolve));
