@@ -17,11 +17,12 @@ namespace utilities {
 // A value that the configuration keeps as a secret; holds its clear text.
 class CfgSecret {
  public:
-  CfgSecret() {}
-  // Implicit on purpose, like the conversion back: a secret is read and written like a text.
-  CfgSecret(const std::string& clearText)
-      : text(clearText) {}                              // NOLINT(google-explicit-constructor)
-  operator const std::string&() const { return text; }  // NOLINT(google-explicit-constructor)
+  CfgSecret() = default;
+  // Both conversions are implicit on purpose: a secret is read and written like a text.
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  CfgSecret(const std::string& clearText) : text(clearText) {}
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  operator const std::string&() const { return text; }
 
  private:
   std::string text;
