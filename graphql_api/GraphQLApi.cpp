@@ -1,18 +1,25 @@
 #include "graphql_api/GraphQLApi.h"
 
+#include <algorithm>
 #include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <locale>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include <json/json.h>
 #include <orvane/utilities/HttpRequestRunner.h>
+#include <orvane/utilities/Str.h>
 
 #include "graphql_api/GraphQLHeader.h"
 #include "graphql_api/Log.h"
 
 using orvane::utilities::HttpRequest;
 using orvane::utilities::HttpRequestRunner;
+using orvane::utilities::Str;
 
 namespace graphql {
 
@@ -84,7 +91,10 @@ struct GraphQLApi::Operation {
 
   // What happens, and in which order, when the transfer failed or the status is not 200.
   enum class Failure {
-    Combined,  // both alike: log, callback
+    Combined,             // both alike: log, callback
+    TransportOnly,        // failed transfer: log, callback; status: nothing
+    TransportThenStatus,  // failed transfer: log; status: callback, parse, log
+    Session,              // both alike: callback, afterCallback, parse, log
   };
 
   const char* const signature;                // the place that its log lines name
@@ -93,21 +103,36 @@ struct GraphQLApi::Operation {
   std::string query;
   Json::Value variables;  // null when the operation takes none
   GraphQLStorageApi::TokenType tokenType = GraphQLStorageApi::None;
+  bool logsRequest = false;
+  bool takesHeaders = false;  // the transfer then has no time limit
   Failure failure = Failure::Combined;
+  std::function<void()> afterCallback;
   const char* failureFormat = nullptr;   // takes the runner's result and the status, both int
-  const char* responseFormat = nullptr;  // takes the answer's text
+  const char* responseFormat = nullptr;  // takes the answer's text; null logs no answer
 };
 
 // What came back.
 struct GraphQLApi::Answer {
   int err = 0;
   long status = 0;
+  std::unordered_map<std::string, std::string> headers;
   std::vector<char> body;
   Json::Value root;
 
   bool failed() const { return err != 0 || status != kStatusOk; }
 
   int code() const { return static_cast<int>(status); }
+
+  // A failed answer as the results tell it.
+  ApiError apiError() const { return err != 0 ? NetworkError : BadResponse; }
+  GraphQLStorageApi::ErrorInfo errorInfo() const {
+    GraphQLStorageApi::ErrorInfo info;
+    info.error = -1;
+    info.code = err != 0 ? err : code();
+    return info;
+  }
+
+  const Json::Value* product() const;
 
   // The operation's own member under "data"; null when the answer has none.
   const Json::Value* result(const std::string& name) const {
@@ -164,8 +189,10 @@ GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
     return answer;
   }
   parseJson(answer.body, &answer.root);
-  ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature, operation.responseFormat,
-                answer.root.toStyledString().c_str());
+  if (operation.responseFormat != nullptr) {
+    ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature,
+                  operation.responseFormat, answer.root.toStyledString().c_str());
+  }
   return answer;
 }
 
@@ -176,8 +203,20 @@ int GraphQLApi::transfer(const Operation& operation, Answer* answer) {
   body["variables"] = operation.variables;
   request.AddPostData(writeJson(body));
   addGraphQLHeaders(request, operation.store, operation.tokenType);
-  return HttpRequestRunner().PerformRequest(request, &answer->status, &answer->body,
-                                            kTransferLimit);
+  if (operation.logsRequest) {
+    ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature, "curl request [%s]",
+                  request.toCurlRequest().c_str());
+  }
+  if (!operation.takesHeaders) {
+    return HttpRequestRunner().PerformRequest(request, &answer->status, &answer->body,
+                                              kTransferLimit);
+  }
+  const auto appendToBody = [answer](std::size_t length, const char* data) {
+    answer->body.insert(answer->body.end(), data, data + length);
+    return length;
+  };
+  return HttpRequestRunner().PerformRequest(request, &answer->status, &answer->headers, {},
+                                            appendToBody, {});
 }
 
 void GraphQLApi::reportFailure(const Operation& operation, Answer* answer) {
@@ -194,6 +233,27 @@ void GraphQLApi::reportFailure(const Operation& operation, Answer* answer) {
     case Operation::Failure::Combined:
       log();
       callBack();
+      break;
+    case Operation::Failure::TransportOnly:
+      if (answer->err != 0) {
+        log();
+        callBack();
+      }
+      break;
+    case Operation::Failure::TransportThenStatus:
+      if (answer->err == 0) {
+        callBack();
+        parseJson(answer->body, &answer->root);
+      }
+      log();
+      break;
+    case Operation::Failure::Session:
+      callBack();
+      if (operation.afterCallback) {
+        operation.afterCallback();
+      }
+      parseJson(answer->body, &answer->root);
+      log();
       break;
   }
 }
@@ -263,6 +323,383 @@ GraphQLStorageApi::StoreInfoList GraphQLApi::getStores() {
     storage->setStoresList(stores);
   }
   return stores;
+}
+
+// --- Sign-in and token refresh ------------------------------------------------------------------
+
+namespace {
+
+const char kSignInQuery[] =
+    "mutation generateCustomerToken($email: String!, $password: String!) {\n"
+    "generateCustomerToken(email: $email, password: $password) {\n"
+    "token\nrefresh_token\nexpires_in\n}\n}";
+
+const char kRefreshQuery[] =
+    "mutation refreshTokens($refreshToken: String!) {\n"
+    "refreshTokens(refresh_token: $refreshToken) {\n"
+    "access_token\nrefresh_token\nexpires_in\n}\n}";
+
+// The number that a refused sign-in comes with. Its kind is not tested: a text makes JsonCpp throw.
+int signInCode(const Json::Value& root) {
+  const Json::Value* code = findMember(root, "code");
+  return code == nullptr ? 0 : code->asInt();
+}
+
+// The same of a refused refresh, where on purpose only an integer counts.
+int refreshCode(const Json::Value& root) {
+  const Json::Value* code = findMember(root, "code");
+  return code != nullptr && code->isInt() ? code->asInt() : 1;
+}
+
+// Exactly this name: a runner that keeps the server's letter case yields no cache id.
+std::string readCacheId(const std::unordered_map<std::string, std::string>& headers) {
+  const auto header = headers.find("x-magento-cache-id");
+  return header == headers.end() ? std::string() : Str::trim(header->second, Str::WHITESPACE);
+}
+
+}  // namespace
+
+GraphQLStorageApi::LoginInfo GraphQLApi::readLogin(Answer* answer, const std::string& resultName,
+                                                   const std::string& tokenName) {
+  GraphQLStorageApi::LoginInfo login;
+  const Json::Value* result = answer->result(resultName);
+  const Json::Value* token = result == nullptr ? nullptr : findMember(*result, tokenName);
+  if (token == nullptr || !token->isString()) {
+    login.errorInfo = makeErrorInfo(answer->root);
+    return login;
+  }
+  login.accessToken = token->asString();
+  login.refreshToken = (*result)["refresh_token"].asString();
+  login.expiresIn = (*result)["expires_in"].asString();
+  return login;
+}
+
+void GraphQLApi::storeTokens(const GraphQLStorageApi::LoginInfo& login,
+                             const GraphQLStorageApi::StoreInfo& store,
+                             const std::string& cacheId) {
+  if (storage) {
+    storage->setTokens(login.accessToken, login.refreshToken, login.expiresIn, store, cacheId);
+  }
+}
+
+GraphQLStorageApi::LoginInfo GraphQLApi::auth(const GraphQLStorageApi::StoreInfo& store,
+                                              const std::string& email,
+                                              const std::string& password) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kSignInQuery;
+  operation.variables["email"] = email;
+  operation.variables["password"] = password;
+  operation.tokenType = GraphQLStorageApi::Integration;
+  operation.logsRequest = true;
+  operation.takesHeaders = true;
+  operation.failure = Operation::Failure::Session;
+  // A failed sign-in clears the stored tokens; a failed refresh keeps them. Both on purpose.
+  operation.afterCallback = [this] {
+    storeTokens(GraphQLStorageApi::LoginInfo(), GraphQLStorageApi::StoreInfo(), std::string());
+  };
+  operation.failureFormat = "auth failed err = %d, code = %d";
+  operation.responseFormat = "Auth responce: [%s]";
+
+  Answer answer = perform(operation);
+  if (answer.failed()) {
+    GraphQLStorageApi::LoginInfo login;
+    login.errorInfo.error = answer.err != 0 ? -1 : signInCode(answer.root);
+    return login;
+  }
+  GraphQLStorageApi::LoginInfo login = readLogin(&answer, "generateCustomerToken", "token");
+  storeTokens(login, store, readCacheId(answer.headers));
+  return login;
+}
+
+GraphQLStorageApi::LoginInfo GraphQLApi::refreshTokens(const GraphQLStorageApi::StoreInfo& store,
+                                                       const std::string& refreshToken) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kRefreshQuery;
+  operation.variables["refreshToken"] = refreshToken;
+  operation.tokenType = GraphQLStorageApi::Integration;
+  operation.failure = Operation::Failure::Session;
+  operation.failureFormat = "auth failed err = %d, code = %d";  // the sign-in's, on purpose
+  operation.responseFormat = "RefreshToken responce: [%s]";
+
+  Answer answer = perform(operation);
+  if (answer.failed()) {
+    GraphQLStorageApi::LoginInfo login;
+    login.errorInfo.error = answer.err != 0 ? -1 : refreshCode(answer.root);
+    login.errorInfo.code = answer.err;
+    return login;
+  }
+  GraphQLStorageApi::LoginInfo login = readLogin(&answer, "refreshTokens", "access_token");
+  // An empty store record: the identity of the store and the cache id stay.
+  storeTokens(login, GraphQLStorageApi::StoreInfo(), std::string());
+  return login;
+}
+
+// --- Customer account ---------------------------------------------------------------------------
+
+namespace {
+
+const char kEmailAvailableQuery[] =
+    "query isEmailAvailable($email: String!) "
+    "{\nisEmailAvailable(email: $email) {\n"
+    "is_email_available\n}\n}";
+
+// The service has always been asked for all of this, though only its errors are read.
+const char kCreateAccountQuery[] =
+    "mutation createCustomer($input: CustomerCreateInput!) "
+    "{\ncreateCustomerV2(input: $input) {\n"
+    "customer "
+    "{\ndate_of_birth\ndefault_billing\ndefault_shipping\nemail\nfirstname\n"
+    "is_subscribed\nsubscribe_"
+    "status\nlastname\nmiddlename\nprefix\nsuffix\ntaxvat\naddresses {\n"
+    "city\ncountry_code\ndefault_billing\ndefault_shipping\nextension_"
+    "attributes {\n"
+    "attribute_code\nvalue\n}"
+    "\nfirstname\nid\nlastname\npostcode\nprefix\nregion {\n"
+    "region_code\nregion_id\nregion\n}\nstreet\nsuffix\ntelephone\nvat_id\n}\n}"
+    "\n}\n}";
+
+const char kResetPasswordQuery[] =
+    "mutation requestPasswordResetEmail($email: String!) {\n"
+    "requestPasswordResetEmail(email: $email)\n}";
+
+const char kUserInfoQuery[] = "query customer {\ncustomer {\nemail\nfirstname\nlastname\n}\n}";
+
+}  // namespace
+
+GraphQLApi::ApiError GraphQLApi::isEmailAvailable(const GraphQLStorageApi::StoreInfo& store,
+                                                  const std::string& email, bool* available) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kEmailAvailableQuery;
+  operation.variables["email"] = email;
+  operation.failure = Operation::Failure::TransportOnly;
+  operation.failureFormat = "getStores failed err = %d, code = %d";  // discovery's, on purpose
+  operation.responseFormat = "IsEmailAvailable responce: [%s]";
+
+  const Answer answer = perform(operation);
+  if (answer.failed()) {
+    return answer.apiError();
+  }
+  const Json::Value* result = answer.result("isEmailAvailable");
+  if (result == nullptr) {
+    return BadResponse;
+  }
+  const Json::Value* flag = findMember(*result, "is_email_available");
+  *available = flag != nullptr && flag->asBool();
+  return Ok;
+}
+
+GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::StoreInfo& store,
+                                                       const std::string& email,
+                                                       const std::string& password,
+                                                       const std::string& firstname,
+                                                       const std::string& lastname,
+                                                       bool isSubscribed) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kCreateAccountQuery;
+  Json::Value& input = operation.variables["input"];
+  input["email"] = email;
+  input["password"] = password;
+  input["firstname"] = firstname;
+  input["lastname"] = lastname;
+  input["is_subscribed"] = isSubscribed;
+  operation.tokenType = GraphQLStorageApi::Integration;
+  operation.failure = Operation::Failure::Combined;
+  operation.failureFormat = "createAccount failed err = %d, code = %d";
+  operation.responseFormat = "Create account responce: [%s]";
+
+  Answer answer = perform(operation);
+  return answer.failed() ? answer.errorInfo() : makeErrorInfo(answer.root);
+}
+
+GraphQLStorageApi::ErrorInfo GraphQLApi::resetPassword(const GraphQLStorageApi::StoreInfo& store,
+                                                       const std::string& email) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kResetPasswordQuery;
+  operation.variables["email"] = email;
+  operation.tokenType = GraphQLStorageApi::Integration;
+  operation.failure = Operation::Failure::TransportThenStatus;
+  operation.failureFormat = "Recovery password failed err = %d, code = %d";
+
+  Answer answer = perform(operation);
+  if (answer.failed()) {
+    return answer.errorInfo();
+  }
+  const Json::Value* mailed = answer.result("requestPasswordResetEmail");
+  return mailed != nullptr && mailed->asBool() ? GraphQLStorageApi::ErrorInfo()
+                                               : makeErrorInfo(answer.root);
+}
+
+GraphQLApi::ApiError GraphQLApi::userInfo(const GraphQLStorageApi::StoreInfo& store,
+                                          GraphQLStorageApi::UserInfo* info) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = kUserInfoQuery;
+  operation.tokenType = GraphQLStorageApi::Customer;
+  operation.failure = Operation::Failure::TransportThenStatus;
+  operation.failureFormat = "UserInfo failed err = %d, code = %d";
+  operation.responseFormat = "UserInfo responce: [%s]";
+
+  Answer answer = perform(operation);
+  if (answer.failed()) {
+    return answer.apiError();
+  }
+  const Json::Value* customer = answer.result("customer");
+  if (customer == nullptr || !customer->isObject()) {
+    // The record is not returned, but a message that is no text is a fault of the answer here, too.
+    makeErrorInfo(answer.root);
+    return BadResponse;
+  }
+  info->email = (*customer)["email"].asString();
+  info->firstname = (*customer)["firstname"].asString();
+  info->lastname = (*customer)["lastname"].asString();
+  return Ok;
+}
+
+// --- Book samples -------------------------------------------------------------------------------
+
+namespace {
+
+const char kSampleMetadataTail[] =
+    "\") {\nproduct {\nuid\nname\nthumbnail {\nurl\n}\nprice_range "
+    "{\nminimum_price {\n"
+    "final_price {\ncurrency\nvalue\n}\nregular_price "
+    "{\ncurrency\nvalue\n}\n}\n}\nauthors {\n"
+    "full_name\n}\n}\n}\n}\n";
+static_assert(sizeof(kSampleMetadataTail) - 1 == 168, "the service knows this text byte for byte");
+
+const char kSamplePriceTail[] =
+    "\") {\nproduct {\nuid\nprice_range {\nminimum_price {\nfinal_price "
+    "{\ncurrency\nvalue\n}\n"
+    "regular_price {\ncurrency\nvalue\n}\n}\n}\n}\n}\n}\n";
+static_assert(sizeof(kSamplePriceTail) - 1 == 123, "the service knows this text byte for byte");
+
+// The uid goes in as it is; one that breaks the query finds no product.
+std::string sampleQuery(const std::string& uid, const char* tail) {
+  return "{\nproductDetails(uid: \"" + uid + tail;
+}
+
+std::string readAuthor(const Json::Value& product) {
+  const Json::Value& authors = product["authors"];
+  if (!authors.isArray() || authors.empty()) {
+    return std::string();
+  }
+  const Json::Value* name = findMember(authors[0], "full_name");
+  return name != nullptr && name->isString() ? name->asString() : std::string();
+}
+
+// strtod() as in the "C" locale, whatever the locale of the process.
+double leadingNumber(const std::string& text) {
+  static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  return ::strtod_l(text.c_str(), nullptr, classic);
+}
+
+int clampedToInt(double value) {
+  using Limits = std::numeric_limits<int>;
+  if (std::isnan(value)) {
+    return 0;
+  }
+  const double upTo = std::min<double>(value, Limits::max());
+  return static_cast<int>(std::max<double>(upTo, Limits::min()));
+}
+
+}  // namespace
+
+// The product of an answer; null unless every level above it is there.
+const Json::Value* GraphQLApi::Answer::product() const {
+  const Json::Value* details = result("productDetails");
+  const Json::Value* found = details == nullptr ? nullptr : findMember(*details, "product");
+  return found != nullptr && found->isObject() ? found : nullptr;
+}
+
+GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::StoreInfo& store,
+                                                      const std::string& uid) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = sampleQuery(uid, kSampleMetadataTail);
+  operation.tokenType = GraphQLStorageApi::Customer;
+  operation.failure = Operation::Failure::TransportThenStatus;
+  operation.failureFormat = "Sample metadata failed err = %d, code = %d";
+  operation.responseFormat = "Sample metadata responce: [%s]";
+
+  const Answer answer = perform(operation);
+  SampleMetadata metadata;
+  const Json::Value* product = answer.product();
+  if (answer.failed() || product == nullptr) {
+    metadata.error = answer.apiError();
+    return metadata;
+  }
+  metadata.apiUrl = store.apiUrl;
+  metadata.uid = (*product)["uid"].asString();
+  metadata.name = (*product)["name"].asString();
+  metadata.author = readAuthor(*product);
+  readPrices(*product, &metadata);
+  const Json::Value& thumbnail = (*product)["thumbnail"];
+  if (thumbnail.isObject()) {
+    metadata.thumbnailUrl = thumbnail["url"].asString();
+  }
+  metadata.error = metadata.uid == uid ? Ok : BadResponse;
+  return metadata;
+}
+
+GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageApi::StoreInfo& store,
+                                                          const std::string& uid) {
+  Operation operation(__PRETTY_FUNCTION__, store);
+  operation.query = sampleQuery(uid, kSamplePriceTail);
+  operation.tokenType = GraphQLStorageApi::Customer;
+  operation.failure = Operation::Failure::TransportThenStatus;
+  operation.failureFormat = "Sample price refresh failed err = %d, code = %d";
+  operation.responseFormat = "Sample price refresh responce: [%s]";
+
+  const Answer answer = perform(operation);
+  SampleMetadata metadata;
+  const Json::Value* product = answer.product();
+  if (answer.failed() || product == nullptr) {
+    metadata.error = answer.apiError();
+    return metadata;
+  }
+  metadata.uid = (*product)["uid"].asString();
+  readPrices(*product, &metadata);
+  metadata.error = metadata.uid == uid ? Ok : BadResponse;
+  return metadata;
+}
+
+void GraphQLApi::readPrices(const Json::Value& product, SampleMetadata* metadata) {
+  Json::Value priceRange = product["price_range"];
+  if (priceRange.isObject()) {
+    fillSamplePrice(*metadata, priceRange);
+  }
+}
+
+void GraphQLApi::fillSamplePrice(SampleMetadata& metadata, Json::Value& priceRange) {
+  const Json::Value* minimum = findMember(priceRange, "minimum_price");
+  if (minimum == nullptr || !minimum->isObject()) {
+    return;
+  }
+  const Json::Value& regularPrice = (*minimum)["regular_price"];
+  const std::string prefix = regularPrice["currency"].asString() + " ";
+  const std::string regularAmount = regularPrice["value"].asString();
+  const std::string finalAmount = (*minimum)["final_price"]["value"].asString();
+  metadata.price = prefix + normalizePrice(finalAmount);
+  if (finalAmount != regularAmount) {
+    metadata.oldPrice = prefix + normalizePrice(regularAmount);
+  }
+}
+
+std::string GraphQLApi::normalizePrice(const std::string& amount) {
+  if (amount.empty()) {
+    return "0.00";
+  }
+  std::string text = amount;
+  const std::size_t comma = text.find(',');
+  if (comma != std::string::npos) {
+    text[comma] = '.';
+  } else if (text.find('.') == std::string::npos) {
+    return text + ".00";
+  }
+  const int cents = clampedToInt(std::round(leadingNumber(text) * 100.0));
+  std::string remainder = std::to_string(cents % 100);
+  if (remainder.size() < 2) {
+    remainder.insert(0, 1, '0');
+  }
+  return std::to_string(cents / 100) + "." + remainder;
 }
 
 }  // namespace graphql

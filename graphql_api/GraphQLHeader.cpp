@@ -2,6 +2,10 @@
 
 #include <ov_sdk.h>
 
+#include <utility>
+
+#include <orvane/utilities/BookStoreVersionProxy.h>
+
 std::string deviceModel;
 std::string softwareVersion;
 std::string serialNumber;
@@ -82,3 +86,69 @@ std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLS
 }
 
 }  // namespace graphql
+
+namespace {
+
+using graphql::GraphQLStorageApi;
+using TextMap = std::map<std::string, std::string>;
+
+constexpr int kServedStoreVersion = 3;
+
+// Reads the state afresh; hands a valid current store of a signed-in customer to `fill`, which
+// fills the emptied `output`.
+template <typename Fill>
+void fillForBrowser(TextMap* output, std::string* storeUrl, Fill fill) {
+  if (output == nullptr && storeUrl == nullptr) {
+    return;
+  }
+  if (orvane::utilities::BookStoreVersionProxy::storeVersion(false) != kServedStoreVersion) {
+    return;
+  }
+  const auto storage = std::make_shared<GraphQLStorageApi>();
+  GraphQLStorageApi::StoreInfo store = storage->currentStore();
+  if (output != nullptr) {
+    output->clear();
+    if (storage->isLoggedIn() && store.isValid()) {
+      fill(storage, store);
+    }
+  }
+  if (storeUrl != nullptr && store.isValid()) {
+    *storeUrl = std::move(store.url);
+  }
+}
+
+void setUnlessEmpty(TextMap& output, const char* name, const std::string& value) {
+  if (!value.empty()) {
+    output[name] = value;
+  }
+}
+
+}  // namespace
+
+extern "C" {
+
+void getBrowserCookies(TextMap* cookies, std::string* storeUrl) {
+  fillForBrowser(cookies, storeUrl,
+                 [cookies](const std::shared_ptr<GraphQLStorageApi>& storage,
+                           const GraphQLStorageApi::StoreInfo&) {
+                   setUnlessEmpty(*cookies, "orvane-customer", storage->accessToken());
+                   setUnlessEmpty(*cookies, "orvane-customer-refresh", storage->refreshToken());
+                   (*cookies)["orvane-serial-number"] = std::string(GetSerialNumber());
+                   setUnlessEmpty(*cookies, "x-magento-cache-id", storage->magentoCacheId());
+                 });
+}
+
+void getBrowserGraphQLHeaders(TextMap* headers, std::string* storeUrl) {
+  fillForBrowser(headers, storeUrl,
+                 [headers](const std::shared_ptr<GraphQLStorageApi>& storage,
+                           const GraphQLStorageApi::StoreInfo& store) {
+                   *headers =
+                       graphql::graphQLHeaders(storage, store, GraphQLStorageApi::CustomerRefresh);
+                 });
+}
+
+bool isLoggedIn() {
+  return GraphQLStorageApi().isLoggedIn();
+}
+
+}  // extern "C"

@@ -1,6 +1,6 @@
-// The headers that every request to the store carries, and the identity of the device in them. The
-// first header build of the process must not race with another one; later ones may run on any
-// thread that may read the given storage.
+// The headers that every request to the store carries, the identity of the device in them, and the
+// same state for the embedded browser. The first header build of the process must not race with
+// another one; later ones may run on any thread that may read the given storage.
 
 #ifndef GRAPHQL_API_GRAPHQLHEADER_H_
 #define GRAPHQL_API_GRAPHQLHEADER_H_
@@ -30,5 +30,27 @@ std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLS
                                                   GraphQLStorageApi::TokenType type);
 
 }  // namespace graphql
+
+// For the device's embedded browser, under undecorated names. Each call reads the store list file
+// and the token file afresh, on the calling thread, so that it sees what another process saved. The
+// objects belong to the caller and are filled in place. What the configuration layer throws reaches
+// the caller.
+extern "C" {
+
+// Replaces `*cookies`, name to value, by the cookies that show the store's web pages who is signed
+// in: empty when nobody is, or when the current store is not valid. Sets `*storeUrl` to the current
+// store's web address, signed in or not; leaves it when that store is not valid. Either pointer may
+// be null for an output that is not wanted. Leaves both outputs when the device uses another store
+// generation than 3.
+void getBrowserCookies(std::map<std::string, std::string>* cookies, std::string* storeUrl);
+
+// The same with the headers of a request of the signed-in customer, both tokens included, in place
+// of the cookies. The first header build of the process must not race with another one.
+void getBrowserGraphQLHeaders(std::map<std::string, std::string>* headers, std::string* storeUrl);
+
+// True when an access token is stored, expired or not.
+bool isLoggedIn();
+
+}  // extern "C"
 
 #endif  // GRAPHQL_API_GRAPHQLHEADER_H_

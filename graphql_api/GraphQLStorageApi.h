@@ -39,6 +39,24 @@ class GraphQLStorageApi {
     std::string message;
   };
 
+  // What a sign-in or a token refresh gave.
+  struct LoginInfo {
+    std::string accessToken;   // empty unless the operation succeeded
+    std::string refreshToken;  // as accessToken
+    // The lifetime of the access token exactly as the server told it, in seconds; never
+    // interpreted.
+    std::string expiresIn;
+    // `error` 0 with an empty access token is possible: the answer held neither token nor error.
+    ErrorInfo errorInfo;
+  };
+
+  // The customer's profile, in UTF-8.
+  struct UserInfo {
+    std::string email;
+    std::string firstname;
+    std::string lastname;
+  };
+
   // One regional store. A fresh record has all texts empty and is closed; that is also what a
   // lookup that finds nothing returns. All texts are UTF-8 as the server sent them.
   struct StoreInfo {
