@@ -1,0 +1,71 @@
+// The local store service as a process of its own, for end-to-end tests. Used by one thread.
+
+#ifndef TESTS_END_TO_END_STORESERVICE_H_
+#define TESTS_END_TO_END_STORESERVICE_H_
+
+#include <string>
+#include <vector>
+
+#include <json/json.h>
+
+namespace end_to_end {
+
+// Starts a service with a state folder of its own, and ends it and removes the folder when
+// destroyed. Throws std::runtime_error with the service's words when it does not start.
+class StoreService {
+ public:
+  StoreService();
+  ~StoreService();
+
+  StoreService(const StoreService&) = delete;
+  StoreService& operator=(const StoreService&) = delete;
+
+  // Ends the process and keeps the state; start() goes on with it on another port.
+  void stop();
+  void start();
+
+  // The certificate authority's file.
+  const std::string& authority() const { return authority_; }
+
+  // What the host's connect-to setting has to be.
+  std::string connectTo() const;
+
+  // The state folder of the service.
+  const std::string& folder() const { return folder_; }
+
+  // Adds a fault, given as JSON; the service's README lists the members.
+  void addFault(const std::string& fault);
+
+  // Changes settings, given as JSON.
+  void change(const std::string& settings);
+
+  // Clears all faults, forgets the requests and plays the given line of the platform.
+  void reset(const std::string& line = "new");
+
+  // The requests that arrived since the last reset, oldest first.
+  Json::Value requests();
+
+ private:
+  std::string control(const std::string& method, const std::string& path,
+                      const std::string& body = std::string());
+
+  std::string folder_;
+  std::string port_;
+  std::string control_;
+  std::string authority_;
+};
+
+// The output of a command, which is started without a shell. Its exit status goes to `*status`, if
+// that is not null; else a status other than 0 throws std::runtime_error with the output.
+std::string outputOf(const std::vector<std::string>& command, int* status = nullptr,
+                     const std::string& input = std::string());
+
+// A new folder in the system's folder for temporary files.
+std::string makeTemporaryFolder();
+
+// Every file below `folder`: its path there and its content.
+std::vector<std::pair<std::string, std::string>> contentOf(const std::string& folder);
+
+}  // namespace end_to_end
+
+#endif  // TESTS_END_TO_END_STORESERVICE_H_
