@@ -1,0 +1,42 @@
+import { execFile, spawn } from 'node:child_process';
+import { readFileSync } from 'node:fs';
+import { promisify } from 'node:util';
+
+// The last processor that this process may use: server and clients share it, so that neither is
+// faster for the other's work being done elsewhere.
+export function lastProcessor() {
+  const [, allowed] = /^Cpus_allowed_list:\s*(\S+)$/m.exec(readFileSync('/proc/self/status', 'utf8'));
+  return allowed.split(/[-,]/).at(-1);
+}
+
+// Runs a program to its end on one processor. Resolves to what it printed; rejects with its command
+// and its messages when it fails or takes longer than `seconds`.
+export async function run(program, parameters, { env, processor, seconds = 60 } = {}) {
+  const command = processor === undefined ? [] : ['taskset', '-c', processor];
+  const [file, ...rest] = [...command, program, ...parameters];
+  const { stdout } = await promisify(execFile)(file, rest, {
+    env: { ...process.env, ...env },
+    timeout: seconds * 1000,
+    maxBuffer: 1 << 24,
+  });
+  return stdout;
+}
+
+// Starts a program that goes on. Resolves to a function that ends it and waits for that.
+export function start(program, parameters, { processor }) {
+  const child = spawn('taskset', ['-c', processor, program, ...parameters], { stdio: 'inherit' });
+  const ended = new Promise((resolve, reject) => {
+    child.once('exit', resolve);
+    child.once('error', reject);
+  });
+  ended.catch(() => {});
+  return {
+    hasEnded: () => child.exitCode !== null || child.signalCode !== null,
+    // At once and without waiting, for the end of this process.
+    kill: () => child.kill('SIGTERM'),
+    stop: async () => {
+      child.kill('SIGTERM');
+      await ended;
+    },
+  };
+}
