@@ -3,7 +3,7 @@
 #include <ov_sdk.h>
 
 #include <algorithm>
-#include <limits>
+#include <cstdlib>
 #include <set>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
@@ -89,30 +89,15 @@ GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int in
   return store;
 }
 
-// The index in `key` when that is the key of a record's web address, without which no record is
-// kept.
-boost::optional<unsigned int> urlIndex(const std::string& key) {
+// The numbers in the keys of web addresses, without which no record is kept. Keys that only look
+// like one of those name records that are not there.
+std::set<unsigned long long> addressIndices(const CfgWrapper& config) {
   static const std::string kName = "url";
-  const std::string digits =
-      key.compare(0, kName.size(), kName) == 0 ? key.substr(kName.size()) : "";
-  const std::size_t most = std::to_string(std::numeric_limits<unsigned int>::max()).size();
-  if (digits.empty() || digits.size() > most ||
-      digits.find_first_not_of("0123456789") != std::string::npos) {
-    return boost::none;
-  }
-  const unsigned long long index = std::stoull(digits);
-  if (index > std::numeric_limits<unsigned int>::max() || std::to_string(index) != digits) {
-    return boost::none;
-  }
-  return static_cast<unsigned int>(index);
-}
-
-// The indices for which the file holds a web address.
-std::set<unsigned int> urlIndices(const CfgWrapper& config) {
-  std::set<unsigned int> indices;
+  std::set<unsigned long long> indices;
   for (const std::string& key : config.keys()) {
-    if (const boost::optional<unsigned int> index = urlIndex(key)) {
-      indices.insert(*index);
+    if (key.compare(0, kName.size(), kName) == 0 &&
+        key.find_first_not_of("0123456789", kName.size()) == std::string::npos) {
+      indices.insert(std::strtoull(key.c_str() + kName.size(), nullptr, 10));
     }
   }
   return indices;
@@ -125,12 +110,12 @@ class RecordIndices {
   RecordIndices(const CfgWrapper& config, unsigned int count) : config_(config), count_(count) {}
 
   bool atEnd() const { return index_ >= count_; }
-  unsigned int current() const { return index_; }
+  unsigned int current() const { return static_cast<unsigned int>(index_); }
   void afterKept() { ++index_; }
 
   void afterDropped() {
     if (!addresses_) {
-      addresses_ = urlIndices(config_);
+      addresses_ = addressIndices(config_);
     }
     const auto next = addresses_->upper_bound(index_);
     index_ = next == addresses_->end() ? count_ : *next;
@@ -139,8 +124,8 @@ class RecordIndices {
  private:
   const CfgWrapper& config_;
   const unsigned int count_;
-  unsigned int index_ = 0;
-  boost::optional<std::set<unsigned int>> addresses_;
+  unsigned long long index_ = 0;
+  boost::optional<std::set<unsigned long long>> addresses_;
 };
 
 }  // namespace
