@@ -126,9 +126,7 @@ StoreService::~StoreService() {
 }
 
 void StoreService::start() {
-  // Standard error of npm and the service is kept out of the lines that are read.
-  const std::string lines = outputOf({"sh", "-c", "exec \"$0\" start --state \"$1\" 2>\"$1.err\"",
-                                      STORE_SCRIPT, folder_ + "/state"});
+  const std::string lines = outputOf({STORE_SCRIPT, "start", "--state", folder_ + "/state"});
   port_ = field(lines, "port");
   control_ = field(lines, "control");
   authority_ = field(lines, "ca");

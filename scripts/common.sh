@@ -1,0 +1,65 @@
+# Shared by the scripts of this folder: sourced, not run.
+# shellcheck shell=bash
+
+project_folder=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build_folder=$project_folder/build
+
+# One line that says what runs now, with the minutes and seconds since the script began.
+step() { printf '\n[%02d:%02d] %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*"; }
+
+fail() {
+  printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+  exit 1
+}
+
+as_root() {
+  if [[ $(id -u) == 0 ]]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    fail "installing packages needs root: run this as root, or install sudo"
+  fi
+}
+
+# The first column of a package list, of the given groups.
+packages_of() {
+  local group
+  for group in "$@"; do
+    awk -v group="$group" '$1 == group { print $2 }' "$project_folder/scripts/packages.txt"
+  done
+}
+
+has_package() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed; }
+
+# Node.js may come from elsewhere than Debian: what counts is a command that is new enough.
+has_node() {
+  command -v node >/dev/null && command -v npm >/dev/null &&
+    node -e 'process.exit(Number(process.versions.node.split(".")[0]) >= 18 ? 0 : 1)'
+}
+
+# Installs what is missing of the given groups of packages.txt; nothing is asked for twice.
+install_packages() {
+  local package missing=()
+  while read -r package; do
+    case $package in
+      nodejs | npm) has_node || missing+=("$package") ;;
+      *) has_package "$package" || missing+=("$package") ;;
+    esac
+  done < <(packages_of "$@")
+  if ((${#missing[@]} > 0)); then
+    step "Installing: ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  fi
+}
+
+# Configures and builds one preset, all of it or the targets named after it.
+build_preset() {
+  local preset=$1
+  shift
+  cmake --preset "$preset" -S "$project_folder" >"$build_folder/$preset-configure.log" 2>&1 ||
+    { cat "$build_folder/$preset-configure.log" >&2; fail "configuring '$preset' failed"; }
+  cmake --build "$build_folder/$preset" --parallel "$(nproc)" ${1:+--target "$@"}
+}
