@@ -209,6 +209,11 @@ bool ConfigFile::replaceFile(ConfigEntries* merged) {
     return false;
   }
   const FileFailure unsaved = placeWholeFile(path_, content, Placing::Replace);
+  if (unsaved && unsaved.isPlaced) {
+    HOST_LOG_FAILURE("%s is saved, but a power cut could undo it: %s", path_.c_str(),
+                     unsaved.text().c_str());
+    return true;
+  }
   return !unsaved || failed(unsaved.text());
 }
 

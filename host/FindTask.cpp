@@ -8,6 +8,7 @@
 #include <ov_sdk.h>
 
 #include <dirent.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,6 +37,19 @@ std::vector<std::string> textsOf(const std::string& path) {
     texts.push_back(text);
   }
   return texts;
+}
+
+// The arguments of a process. The system shows none for an instant while a process becomes another
+// program, as "env" does.
+std::vector<std::string> argumentsOf(const std::string& process) {
+  std::vector<std::string> arguments;
+  for (int attempt = 0; arguments.empty() && attempt < 100; ++attempt) {
+    arguments = textsOf(process + "/cmdline");
+    if (arguments.empty()) {
+      ::sched_yield();
+    }
+  }
+  return arguments;
 }
 
 std::string withoutTrailingSlash(std::string path) {
@@ -97,7 +111,7 @@ class Application {
     if (interpreter_.empty()) {
       return false;
     }
-    const std::vector<std::string> given = textsOf(process + "/cmdline");
+    const std::vector<std::string> given = argumentsOf(process);
     std::vector<std::string> first = {interpreter_};
     if (!argument_.empty()) {
       first.push_back(argument_);

@@ -94,7 +94,7 @@ void readKey(const std::string& path, std::string* key, FileMark* mark) {
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
   struct stat status = {};
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
-    const FileFailure failure = {"open", errno};
+    const FileFailure failure = {"open", errno, false};
     HOST_LOG_FAILURE("Cannot read the key file %s, so no secret can be read or kept: %s",
                      path.c_str(), failure.text().c_str());
     return;

@@ -247,7 +247,11 @@ FileFailure placeWholeFile(const std::string& path, const std::string& content, 
   if (!failure) {
     failure = temporary.moveTo(path, placing);
   }
-  return failure ? failure : syncFolder(folderOf(path));
+  if (!failure) {
+    failure = syncFolder(folderOf(path));
+    failure.isPlaced = true;
+  }
+  return failure;
 }
 
 void removeLeftovers(const std::string& path) {

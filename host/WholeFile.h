@@ -30,6 +30,7 @@ class Descriptor {
 struct FileFailure {
   const char* step = nullptr;
   int error = 0;
+  bool isPlaced = false;  // the new file is there already; only a power cut could lose it
 
   explicit operator bool() const { return step != nullptr; }
   // One clause: the step, the system's text and what to try.
