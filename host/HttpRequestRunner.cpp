@@ -61,7 +61,6 @@ int HttpRequestRunner::PerformRequest(
     WriteCallback write, ProgressCallback progress) {
   const unsigned int kNoLimit = 0;
   *status = 0;
-  headers->clear();
   endHereInDryRun(request);
   const host::HttpRequestData readRequest =
       read ? withBody(*request.data, read) : host::HttpRequestData();

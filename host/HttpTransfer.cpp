@@ -240,6 +240,9 @@ long HttpTransfer::status() const {
 std::unordered_map<std::string, std::string> HttpTransfer::headers() const {
   const int kFinalAnswer = -1;
   std::unordered_map<std::string, std::string> result;
+  if (status() == 0) {  // libcurl would give those of the transfer before
+    return result;
+  }
   curl_header* header = nullptr;
   while ((header = curl_easy_nextheader(curl_.get(), CURLH_HEADER, kFinalAnswer, header)) !=
          nullptr) {

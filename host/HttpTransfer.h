@@ -51,7 +51,7 @@ class HttpTransfer {
   long status() const;
 
   // The headers of the answer: names in lower case, values without blanks around them. Of a
-  // repeated name the first value is kept.
+  // repeated name the first value is kept. Empty when no answer arrived.
   std::unordered_map<std::string, std::string> headers() const;
 
  private:

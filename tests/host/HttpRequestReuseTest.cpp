@@ -37,6 +37,17 @@ TEST_F(HttpRequestReuseTest, CarriesNothingElseOverFromTheRequestBefore) {
             "Accept-Encoding: deflate, gzip, br, zstd\r\n\r\n");
 }
 
+TEST_F(HttpRequestReuseTest, GivesNothingOfTheAnswerBeforeWhenNothingWasSent) {
+  getWithCallbacks("/headers");
+  HttpRequest refused("GET", url("/headers"));
+  refused.AddHeader("X-Bad", "\n");
+  long status = -1;
+  Headers headers = {{"old", "old"}};
+  EXPECT_NE(HttpRequestRunner().PerformRequest(refused, &status, &headers, {}, {}, {}), 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_TRUE(headers.empty());
+}
+
 TEST_F(HttpRequestReuseTest, ResumesTheTlsSessionOnANewConnection) {
   EXPECT_EQ(get("/close").body, "last");
   EXPECT_EQ(connection(), resumedConnection(2));
