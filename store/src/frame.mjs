@@ -102,7 +102,7 @@ export function createFrame({ schema, operations, services, tokenReaders, settin
     const store = services.seed.stores.find(
       ({ storeCode }) => storeCode === services.seed.defaultStoreCode,
     );
-    const context = { ...services, request, store, caller: guest };
+    const context = { ...services, settings, line, request, store, caller: guest };
     const exchange = { context, operation: null };
     const outcome = await resultOf(request, line, exchange).catch((error) => refused(error, line));
     if (outcome.text) return page(outcome.status, outcome.text);

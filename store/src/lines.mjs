@@ -11,6 +11,8 @@ const old = {
   sendsCacheIdForMutations: true,
   answersUnreadableBodiesWithAPage: true,
   escapesMarkupInJson: true,
+  mayHideEmailAvailability: false,
+  missingValueMessage: (label) => `Required parameters are missing: ${label}`,
   cacheControl: 'max-age=0, must-revalidate, no-cache, no-store',
   shapeError: ({ message, extensions, ...rest }, { executed }) => ({
     message,
@@ -35,6 +37,9 @@ const current = {
   sendsCacheIdForMutations: false,
   answersUnreadableBodiesWithAPage: false,
   escapesMarkupInJson: false,
+  // Unless guests may check out with a known address, every address is said to be free.
+  mayHideEmailAvailability: true,
+  missingValueMessage: (label) => `"${label}" is a required value.`,
   cacheControl: 'no-store, no-cache, must-revalidate, max-age=0',
   shapeError: (error) => error,
 };

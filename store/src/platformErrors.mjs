@@ -29,6 +29,10 @@ export class OperationError extends GraphQLError {
   }
 }
 
+export function inputError(message) {
+  return new OperationError(message, Category.Input);
+}
+
 // Thrown before execution: the answer holds "errors" alone.
 export class Refusal extends Error {
   constructor(reason, message, category) {

@@ -6,14 +6,17 @@ import { fileURLToPath } from 'node:url';
 import { integrationTokenReader } from './callers.mjs';
 import { prepareCertificates } from './certificates.mjs';
 import { createControlServer } from './controlServer.mjs';
+import { createCustomerServices, customerTokenReader } from './customerServices.mjs';
 import { FaultList } from './faults.mjs';
 import { createFrame } from './frame.mjs';
 import { RequestLog } from './requestLog.mjs';
+import { defaultPasswordCost } from './passwords.mjs';
 import { loadSchema } from './schema.mjs';
 import { loadSeed } from './seed.mjs';
 import { checkSettings, defaultSettings } from './settings.mjs';
 import { loadCacheSalt } from './stateFile.mjs';
 import { createStoreServer } from './storeServer.mjs';
+import { createStorefront } from './storefront.mjs';
 
 const loopback = '127.0.0.1';
 const besideThisFolder = (name) => fileURLToPath(new URL(`../${name}`, import.meta.url));
@@ -44,7 +47,13 @@ function trackConnections(server, event) {
 
 // Starts the service with its state in `stateFolder`. Port 0 takes a free one. Resolves once both
 // ports answer; `close()` ends every connection.
-export async function startService({ stateFolder, port = 0, controlPort = 0, line = 'new' }) {
+export async function startService({
+  stateFolder,
+  port = 0,
+  controlPort = 0,
+  line = 'new',
+  passwordCost = defaultPasswordCost,
+}) {
   const settings = { ...defaultSettings, ...checkSettings({ line }) };
   mkdirSync(stateFolder, { recursive: true, mode: 0o700 });
   const certificates = prepareCertificates(stateFolder);
@@ -54,17 +63,29 @@ export async function startService({ stateFolder, port = 0, controlPort = 0, lin
     besideThisFolder('operations'),
   );
 
+  const clock = () => Date.now() + settings.clockOffsetSeconds * 1000;
+  const customerServices = createCustomerServices({
+    stateFolder,
+    settings,
+    passwordCost,
+    clock,
+  });
+  const { customers, sessions } = customerServices;
+
   const faults = new FaultList();
   const requestLog = new RequestLog();
   const answerGraphql = createFrame({
     schema,
     operations,
-    services: { seed },
-    tokenReaders: [integrationTokenReader(seed)],
+    services: { seed, ...customerServices },
+    tokenReaders: [integrationTokenReader(seed), customerTokenReader(sessions)],
     settings,
     salt: loadCacheSalt(stateFolder),
   });
-  const routes = [{ matches: (path) => path === '/graphql', answer: answerGraphql }];
+  const routes = [
+    { matches: (path) => path === '/graphql', answer: answerGraphql },
+    { matches: () => true, answer: createStorefront({ seed, customers, sessions }) },
+  ];
 
   const store = createStoreServer({ certificates, routes, faults, requestLog });
   const control = createControlServer({ settings, faults, requestLog });

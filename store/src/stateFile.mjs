@@ -1,19 +1,53 @@
+// Files of the state folder: each is replaced whole and is readable by its owner only.
 import { randomBytes } from 'node:crypto';
-import { existsSync, readFileSync, renameSync, writeFileSync } from 'node:fs';
-import { join } from 'node:path';
+import {
+  closeSync,
+  existsSync,
+  fsyncSync,
+  openSync,
+  readFileSync,
+  renameSync,
+  writeFileSync,
+} from 'node:fs';
+import { dirname, join } from 'node:path';
 
-// Replaces a file whole: readers see the old text or the new one.
+function syncFolder(path) {
+  const folder = openSync(path, 'r');
+  try {
+    fsyncSync(folder);
+  } finally {
+    closeSync(folder);
+  }
+}
+
+// Replaces a file whole: readers, also after a loss of power, see the old text or the new one.
 export function replaceFile(path, text) {
-  writeFileSync(`${path}.new`, text, { mode: 0o600 });
+  const file = openSync(`${path}.new`, 'w', 0o600);
+  try {
+    writeFileSync(file, text);
+    fsyncSync(file);
+  } finally {
+    closeSync(file);
+  }
   renameSync(`${path}.new`, path);
+  syncFolder(dirname(path));
+}
+
+function loadSecret(path, characters) {
+  if (!existsSync(path)) replaceFile(path, `${randomBytes(characters / 2).toString('hex')}\n`);
+  return readFileSync(path, 'utf8').trim();
 }
 
 // The salt of the cache ids, 32 characters, made at the first start. Deleting the file is what a
 // new deployment does on the real platform: every id changes.
 export function loadCacheSalt(stateFolder) {
-  const path = join(stateFolder, 'cache-salt');
-  if (!existsSync(path)) replaceFile(path, `${randomBytes(16).toString('hex')}\n`);
-  return readFileSync(path, 'utf8').trim();
+  return loadSecret(join(stateFolder, 'cache-salt'), 32);
+}
+
+// The key that signs access tokens, made at the first start. Without the file no token that was
+// given out before can be read.
+export function loadTokenKey(stateFolder) {
+  return loadSecret(join(stateFolder, 'token-key'), 64);
 }
 
 // The fields as `name=value` lines, for shell scripts and tests.

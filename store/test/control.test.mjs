@@ -66,6 +66,10 @@ describe('settings', () => {
       line: 'old',
       cacheIdHeader: 'X-Magento-Cache-Id',
       sessionCookies: true,
+      guestCheckoutLogin: true,
+      tokenLifetimeSeconds: 3600,
+      refreshTokenLifetimeSeconds: 2592000,
+      clockOffsetSeconds: 0,
     });
   });
 
@@ -74,6 +78,8 @@ describe('settings', () => {
     [{ lines: 'old' }, 'unknown setting "lines"; use line, cacheIdHeader, sessionCookies'],
     [{ cacheIdHeader: 'X-Other' }, '"cacheIdHeader" must be'],
     [{ sessionCookies: 1 }, '"sessionCookies" must be true or false'],
+    [{ tokenLifetimeSeconds: 0 }, '"tokenLifetimeSeconds" must be a whole number from 1 to 3153'],
+    [{ clockOffsetSeconds: 1e99 }, '"clockOffsetSeconds" must be a whole number from 0 to 3153'],
   ];
   for (const [value, message] of wrong) {
     test(`are refused as a whole when one is wrong: ${JSON.stringify(value)}`, async () => {

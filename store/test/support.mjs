@@ -8,12 +8,16 @@ import { join } from 'node:path';
 import { gunzipSync } from 'node:zlib';
 
 import { startService } from '../src/service.mjs';
+import { defaultSettings } from '../src/settings.mjs';
 
 export const discoveryQuery =
   'query availableBookStores {\navailableBookStores {\nurl\napiUrl\nstoreName\nlanguage\n' +
   'langCode\nstoreCode\nstatus\nintegrationToken\nproviderID\ncurrency\n}\n}';
 
 export const discoveryBody = `${JSON.stringify({ query: discoveryQuery, variables: null })}\n`;
+
+// Passwords of tests need no protection.
+const quick = { passwordCost: 1024 };
 
 export function temporaryFolder() {
   const path = mkdtempSync(join(tmpdir(), 'local-store-'));
@@ -44,8 +48,14 @@ class TestService {
     this.state.remove();
   }
 
-  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when the transfer fails; the
-  // error then has `received`, the number of body bytes that came before.
+  // Ends the service and starts it again with the same state, as after a restart of the machine.
+  async restart() {
+    await this.service.close();
+    this.service = await startService({ stateFolder: this.state.path, ...quick });
+  }
+
+  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when the
+  // transfer fails; the error then has `received`, the number of body bytes that came before.
   http1({
     method = 'POST',
     path = '/graphql',
@@ -136,11 +146,7 @@ class TestService {
 
   // Back to how it started, for tests that share a service.
   async reset() {
-    await this.control('PATCH', '/settings', {
-      line: 'new',
-      cacheIdHeader: 'X-Magento-Cache-Id',
-      sessionCookies: true,
-    });
+    await this.control('PATCH', '/settings', defaultSettings);
     await this.control('DELETE', '/faults');
     await this.control('DELETE', '/requests');
   }
@@ -149,7 +155,7 @@ class TestService {
 export async function startTestService(options = {}) {
   const state = temporaryFolder();
   try {
-    return new TestService(await startService({ stateFolder: state.path, ...options }), state);
+    return new TestService(await startService({ stateFolder: state.path, ...quick, ...options }), state);
   } catch (error) {
     state.remove();
     throw error;
