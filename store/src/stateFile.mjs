@@ -9,16 +9,7 @@ import {
   renameSync,
   writeFileSync,
 } from 'node:fs';
-import { dirname, join } from 'node:path';
-
-function syncFolder(path) {
-  const folder = openSync(path, 'r');
-  try {
-    fsyncSync(folder);
-  } finally {
-    closeSync(folder);
-  }
-}
+import { join } from 'node:path';
 
 // Replaces a file whole: readers, also after a loss of power, see the old text or the new one.
 export function replaceFile(path, text) {
@@ -30,7 +21,6 @@ export function replaceFile(path, text) {
     closeSync(file);
   }
   renameSync(`${path}.new`, path);
-  syncFolder(dirname(path));
 }
 
 function loadSecret(path, characters) {

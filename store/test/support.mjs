@@ -100,12 +100,8 @@ class TestService {
         reject(error);
       };
       session.on('error', fail);
-      const stream = session.request({
-        ':method': 'POST',
-        ':path': '/graphql',
-        'content-type': 'application/json',
-        ...headers,
-      });
+      const fields = { ':method': 'POST', ':path': '/graphql', 'content-type': 'application/json' };
+      const stream = session.request({ ...fields, ...headers }, { endStream: false });
       const answer = {};
       stream.on('response', (headers) =>
         Object.assign(answer, { headers, status: headers[':status'] }),
