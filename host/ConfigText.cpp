@@ -121,9 +121,27 @@ bool isEdge(std::size_t at, const std::string& text) {
   return at == 0 || at + 1 == text.size();
 }
 
+// Bytes that stand for themselves in keys and values, wherever they are.
+bool isPlain(char byte) {
+  return byte > ' ' && byte < '\x7f' && byte != '\\' && byte != '=' && byte != '#';
+}
+
+std::size_t plainEnd(const std::string& text, std::size_t at) {
+  while (at < text.size() && isPlain(text[at])) {
+    ++at;
+  }
+  return at;
+}
+
 // Appends `text` with escapes; `special` are further bytes to escape, wherever they stand.
 void appendEscaped(const std::string& text, const char* special, std::string* out) {
   for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = plainEnd(text, at);  // most texts are plain, which spares the tests
+    if (end > at) {
+      out->append(text, at, end - at);
+      at = end;
+      continue;
+    }
     const char byte = text[at];
     const std::size_t length = printableLength(text, at);
     if (byte == '\\') {
