@@ -166,18 +166,18 @@ TEST_F(InterruptedSaveTest, AProcessKilledAtAnyTimeLeavesAWholeFile) {
   ASSERT_EQ(run(saver("a", 1, 1)), 0);
   std::mt19937 random(1);
   int last = 1;
-  int progress = 0;
   for (int round = 0; round < 200; ++round) {
     const pid_t process = spawn(saver("a", last + 1, 1000000, 20000));
-    ::usleep(std::uniform_int_distribution<useconds_t>(0, 20000)(random));
+    for (int i = 0; i < 10000 && lastSaved("a") == last; ++i) {
+      ::usleep(1000);  // until it is saving
+    }
+    ::usleep(std::uniform_int_distribution<useconds_t>(0, 5000)(random));
     ::kill(process, SIGKILL);
     finish(process);
     const int now = lastSaved("a");
-    ASSERT_GE(now, last) << "round " << round;
-    progress += now > last ? 1 : 0;
+    ASSERT_GT(now, last) << "round " << round;
     last = now;
   }
-  EXPECT_GT(progress, 0);
   EXPECT_EQ(root_.log(), "");
   ASSERT_EQ(run(saver("a", last + 1, 1)), 0);
   EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg"));

@@ -157,8 +157,10 @@ TEST_F(TaskTest, GivesTheTaskItsStreamsAlsoWhenTheCallerHasNone) {
     const int task = start();
     started_.clear();
     const std::string given = report();
+    const int missing = start("/missing");
     ::dup2(kept, STDERR_FILENO);
     ::kill(task, SIGKILL);
+    EXPECT_EQ(missing, -1);
     EXPECT_EQ(given.substr(0, given.find("Sig")),
               "fd 0 /dev/null\nfd 1 /dev/null\nfd 2 /dev/null\n");
   }));
