@@ -46,5 +46,6 @@ export async function identifyCaller(authorization, tokenReaders, line) {
 
 // Throws for a caller who would have to prove to be human: integrations need not.
 export function requireIntegration(caller) {
-  if (caller.kind !== 'integration') throw inputError('ReCaptcha validation failed, please try again');
+  if (caller.kind === 'integration') return;
+  throw inputError('ReCaptcha validation failed, please try again');
 }

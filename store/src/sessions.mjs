@@ -1,6 +1,6 @@
 // Sessions of signed-in customers: one sign-in and all tokens that descend from it. Whoever shows a
-// refresh token that was used before ends its session: either the thief or the owner holds the newer
-// one, nobody can tell which, and so neither goes on without the password.
+// refresh token that was used before ends its session: the newer one may be with a thief or with
+// the owner, nobody can tell, and so neither goes on without the password.
 import { Category, Reason, Refusal } from './platformErrors.mjs';
 import { describeRefreshToken, newRefreshToken, newSessionName } from './refreshTokens.mjs';
 
@@ -28,8 +28,8 @@ export class Sessions {
     return this.#giveTokens(customerId, newSessionName());
   }
 
-  // The customer and new tokens for a refresh token, which is used up by it; undefined when it is
-  // unknown, expired or was used before.
+  // The customer (`customerId`) and new `tokens` for a refresh token, which is used up; undefined
+  // when it is unknown, has expired or was used before.
   refresh(refreshToken) {
     const described = describeRefreshToken(refreshToken);
     const session = described && this.#find(described.session);
@@ -44,8 +44,8 @@ export class Sessions {
     return { customerId, tokens: this.#giveTokens(customerId, described.sessionName) };
   }
 
-  // The customer of an access token, undefined for a text that is none of ours. Throws a Refusal for
-  // one that has expired or whose session has ended.
+  // The customer of an access token; undefined for a text that is none of ours. Throws a Refusal
+  // for one that has expired or whose session has ended.
   customerOf(accessToken) {
     const claims = this.#accessTokens.read(accessToken);
     if (!claims) return undefined;

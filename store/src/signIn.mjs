@@ -1,6 +1,6 @@
 // Checks e-mail and password, and refuses an address for a while after too many failures. Attempts
 // for one address are checked one after the other, so that many at once do not slip past the count.
-import { createHash } from 'node:crypto';
+import { createHash, randomUUID } from 'node:crypto';
 
 import { emailKey } from './emailAddress.mjs';
 import { isPassword } from './passwords.mjs';
@@ -23,7 +23,7 @@ export class SignIn {
     this.#document = document;
     this.#customers = customers;
     this.#clock = clock;
-    this.#nobodysHash = hashPassword('nobody has this password');
+    this.#nobodysHash = hashPassword(randomUUID());
   }
 
   // The customer, or undefined for a wrong address, a wrong password and a locked address alike.
@@ -32,9 +32,9 @@ export class SignIn {
     return this.#turns.take(key, async () => {
       if (this.#failures(key) >= maximumFailures) return undefined;
       const customer = this.#customers.findByEmail(email);
-      // An unknown address takes as long as a known one.
+      // An unknown address takes as long as a known one, and has a password that nobody knows.
       const kept = customer?.passwordHash ?? (await this.#nobodysHash);
-      const isRight = (await isPassword(password, kept)) && Boolean(customer?.passwordHash);
+      const isRight = await isPassword(password, kept);
       this.#note(key, isRight ? 0 : this.#failures(key) + 1);
       return isRight ? customer : undefined;
     });

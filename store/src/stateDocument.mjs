@@ -1,5 +1,5 @@
-// A small JSON document that lives in memory and on disk. A change is on disk before it counts: when
-// it cannot be written, the document stays as it was and the error reaches the caller.
+// A small JSON document in memory and on disk. A change is on disk before it counts: when it cannot
+// be written, the document stays as it was and the error reaches the caller.
 import { existsSync, readFileSync } from 'node:fs';
 
 import { replaceFile } from './stateFile.mjs';
@@ -8,7 +8,7 @@ function read(path) {
   try {
     return JSON.parse(readFileSync(path, 'utf8'));
   } catch (error) {
-    throw new Error(`${path} cannot be read (${error.message}); mend it, or remove it to start anew`);
+    throw new Error(`${path} cannot be read (${error.message}); mend or remove it`);
   }
 }
 

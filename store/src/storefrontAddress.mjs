@@ -5,8 +5,8 @@ function storeByCode(seed, code) {
   return seed.stores.find((store) => store.storeCode === code);
 }
 
-// The store of the host's name. Under a loopback name it is the one in the path ("/de_de/"), for "/"
-// the one of the cookie "orvane-store", else the default one. Undefined for every other address.
+// The store of the host's name. Under a loopback name it is the one in the path ("/de_de/"), and
+// for "/" the one of the cookie "orvane-store", else the default one. Undefined for other addresses.
 export function findAddressedStore({ url, hostName }, cookies, seed) {
   const [path] = url.split('?');
   const host = hostName.toLowerCase();

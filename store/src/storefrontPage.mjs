@@ -1,5 +1,5 @@
-// Renders a store's page. Every value passes through `escape`, and the policy allows nothing but the
-// style sheet in the page itself.
+// Renders a store's page. Every value passes through `escape`, and the policy allows nothing but
+// the style sheet in the page itself.
 import { createHash } from 'node:crypto';
 import { readFileSync } from 'node:fs';
 

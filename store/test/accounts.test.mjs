@@ -22,6 +22,32 @@ async function refusedInput(promise, message, field) {
   });
 }
 
+const again = 'Create a new password and try again.';
+const noBlank = "The password can't begin or end with a space. Verify the password and try again.";
+const wrongInputs = [
+  [{ email: 'nobody' }, '"nobody" is not a valid email address.'],
+  [{ password: 'Short-1' }, `The password needs at least 8 characters. ${again}`],
+  [{ password: '' }, `The password needs at least 8 characters. ${again}`],
+  [
+    { password: `Aa1${'x'.repeat(254)}` },
+    'Please enter a password with at most 256 characters.',
+  ],
+  [{ password: ` ${goodPassword}` }, noBlank],
+  [{ password: `${goodPassword} ` }, noBlank],
+  [
+    { password: 'moonlight42' },
+    'Minimum of different classes of characters in password is 3. ' +
+      'Classes of characters: Lower Case, Upper Case, Digits, Special Characters.',
+  ],
+  [
+    { email: 'Same.1@example.org', password: 'same.1@example.org' },
+    `The password can't be the same as the email address. ${again}`,
+  ],
+];
+
+const longest = `Aa1${'x'.repeat(253)}`;
+const justGoodPasswords = ['Aa345678', 'Aa-bcdef', 'a1-bcdef', 'AÄ1BCDEF', longest];
+
 for (const line of ['old', 'new']) {
   describe(`on the ${line} line`, () => {
     beforeEach(() => store.useLine(line));
@@ -66,27 +92,17 @@ for (const line of ['old', 'new']) {
       );
     });
 
-    const wrongInputs = [
-      [{ email: 'nobody' }, '"nobody" is not a valid email address.'],
-      [{ password: 'Short-1' }, 'The password needs at least 8 characters. Create a new password and try again.'],
-      [{ password: '' }, 'The password needs at least 8 characters. Create a new password and try again.'],
-      [{ password: `Aa1${'x'.repeat(254)}` }, 'Please enter a password with at most 256 characters.'],
-      [{ password: ` ${goodPassword}` }, "The password can't begin or end with a space. Verify the password and try again."],
-      [{ password: `${goodPassword} ` }, "The password can't begin or end with a space. Verify the password and try again."],
-      [
-        { password: 'moonlight42' },
-        'Minimum of different classes of characters in password is 3. Classes of characters: Lower Case, Upper Case, Digits, Special Characters.',
-      ],
-      [
-        { email: 'Same.1@example.org', password: 'same.1@example.org' },
-        "The password can't be the same as the email address. Create a new password and try again.",
-      ],
-    ];
     for (const [members, message] of wrongInputs) {
       test(`${JSON.stringify(members).slice(0, 60)} is refused`, async () => {
         const person = somebody(members);
         await refusedInput(reader.register(person), message, 'createCustomerV2');
         if (members.email === undefined) assert.equal(await isAvailable(person.email), true);
+      });
+    }
+
+    for (const password of justGoodPasswords) {
+      test(`the password ${password.slice(0, 10)} is just good enough`, async () => {
+        assert.equal((await reader.register(somebody({ password }))).json().errors, undefined);
       });
     }
 
@@ -106,7 +122,8 @@ for (const line of ['old', 'new']) {
     test('a missing member of the input is refused before anything runs', async () => {
       const { status, message, data } = failure(await reader.register({ password: goodPassword }));
       assert.equal(status, 200);
-      assert.match(message, /^Variable "\$input" got invalid value .*; Field "email" of required type "String!" was not provided\.$/);
+      assert.match(message, /^Variable "\$input" got invalid value \{/);
+      assert.match(message, /; Field "email" of required type "String!" was not provided\.$/);
       assert.equal(data, undefined);
     });
 
@@ -132,7 +149,10 @@ for (const line of ['old', 'new']) {
     });
 
     test('the profile is that of the token', async () => {
-      const { person, accessToken } = await reader.signedIn({ firstname: 'Žofie', lastname: '✓ 😀' });
+      const { person, accessToken } = await reader.signedIn({
+        firstname: 'Žofie',
+        lastname: '✓ 😀',
+      });
       await reader.signedIn();
       const answer = await reader.profile(accessToken);
       assert.equal(answer.status, 200);
@@ -170,7 +190,11 @@ const requiredNames = [
 for (const [name, label] of requiredNames) {
   test(`an empty ${name} is named, on each line in its own words`, async () => {
     const person = somebody({ [name]: ' ' });
-    await refusedInput(reader.register(person), `"${label}" is a required value.`, 'createCustomerV2');
+    await refusedInput(
+      reader.register(person),
+      `"${label}" is a required value.`,
+      'createCustomerV2',
+    );
     await store.useLine('old');
     await refusedInput(
       reader.register(person),

@@ -19,6 +19,7 @@ export const queries = {
     'extension_attributes {\nattribute_code\nvalue\n}\nfirstname\nid\nlastname\npostcode\n' +
     'prefix\nregion {\nregion_code\nregion_id\nregion\n}\nstreet\nsuffix\ntelephone\nvat_id\n' +
     '}\n}\n}\n}',
+  customer: 'query customer {\ncustomer {\nemail\nfirstname\nlastname\n}\n}',
   requestPasswordResetEmail:
     'mutation requestPasswordResetEmail($email: String!) {\n' +
     'requestPasswordResetEmail(email: $email)\n}',
@@ -50,7 +51,7 @@ export class CustomerActions {
   // Sends one of the texts above. `headers` replace the integration token.
   ask(operation, variables, headers = integration) {
     const body = `${JSON.stringify({ query: queries[operation], variables })}\n`;
-    return this.store.http1({ body, headers });
+    return this.store.http1({ body, headers, agent: this.store.agent });
   }
 
   register(person, headers) {
@@ -84,7 +85,7 @@ export class CustomerActions {
 
   profile(accessToken) {
     const headers = accessToken ? { Authorization: `Bearer ${accessToken}` } : {};
-    return this.store.query('query customer {\ncustomer {\nemail\nfirstname\nlastname\n}\n}', headers);
+    return this.ask('customer', null, headers);
   }
 
   passes(seconds) {

@@ -39,14 +39,12 @@ for (const line of ['old', 'new']) {
       const [head, ...body] = text.split('\r\n\r\n');
       assert.ok(head.includes(`\r\nTo: ${person.email}\r\n`));
       assert.ok(head.includes('From: service@de.bookstore.example\r\n'));
-      assert.ok(head.includes('\r\nSubject: Bücherwelt Deutschland: Ihr Passwort zurücksetzen\r\n'));
+      assert.ok(head.includes('Subject: Bücherwelt Deutschland: Ihr Passwort zurücksetzen\r\n'));
       assert.ok(head.includes('\r\nContent-Type: text/plain; charset=utf-8\r\n'));
       assert.match(head, /\r\nDate: \w{3}, \d\d \w{3} \d{4} [\d:]{8} \+0000\r\n/);
       assert.equal(body[0], 'Guten Tag, Žofie Leser,');
-      assert.match(
-        body[2],
-        /^https:\/\/de\.bookstore\.example\/customer\/account\/createPassword\/\?token=[0-9a-f]{32}$/,
-      );
+      assert.ok(body[2].startsWith('https://de.bookstore.example/customer/account/'));
+      assert.match(body[2], /\/createPassword\/\?token=[0-9a-f]{32}$/);
     });
 
     const refusals = [

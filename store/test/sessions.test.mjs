@@ -16,8 +16,8 @@ afterEach(() => store.reset());
 const refreshed = async (refreshToken) =>
   (await reader.refresh(refreshToken)).json().data.refreshTokens;
 
-// On the new line a token that is no longer good is refused before anything runs, on the old line it
-// makes its bearer a guest.
+// On the new line a token that is no longer good is refused before anything runs; on the old line
+// its bearer is a guest.
 async function assertNoLongerGood(accessToken, message, line) {
   const answer = await reader.profile(accessToken);
   const expected = {
@@ -151,6 +151,7 @@ test('an access token with another customer, lifetime or signature is unknown', 
     `${accessToken}.`,
   ];
   for (const token of forged) {
-    assert.equal(failure(await reader.profile(token)).message, 'Composite reader could not read a token');
+    const { message } = failure(await reader.profile(token));
+    assert.equal(message, 'Composite reader could not read a token');
   }
 });

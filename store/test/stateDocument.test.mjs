@@ -32,6 +32,6 @@ test('a change that cannot be written does not count', (t) => {
 test('a damaged file is named, with what to do, and left as it is', (t) => {
   const path = pathIn(t);
   writeFileSync(path, '{"a":');
-  assert.throws(() => new StateDocument(path, {}), /state\.json cannot be read.*remove it/);
+  assert.throws(() => new StateDocument(path, {}), /state\.json cannot be read.*mend or remove it/);
   assert.equal(readFileSync(path, 'utf8'), '{"a":');
 });

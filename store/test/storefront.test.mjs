@@ -98,7 +98,10 @@ describe('a visitor', () => {
   });
 
   test('who is signed in is greeted by name in every store', async () => {
-    const { person, accessToken } = await reader.signedIn({ firstname: 'Žofie', lastname: 'Malá' });
+    const { person, accessToken } = await reader.signedIn({
+      firstname: 'Žofie',
+      lastname: 'Malá',
+    });
     const greetings = {
       de: 'Guten Tag, Žofie Malá!',
       uk: 'Welcome, Žofie Malá!',
@@ -114,7 +117,7 @@ describe('a visitor', () => {
     }
   });
 
-  test('is recognised among all cookies that a reader sends, and the refresh token stays good', async () => {
+  test('is recognised among all cookies of a reader, whose refresh token stays good', async () => {
     const { accessToken, refreshToken } = await reader.signedIn();
     const answer = await visit({
       cookies: {

@@ -43,19 +43,31 @@ class TestService {
     this.ca = readFileSync(service.authorityPath);
   }
 
-  async stop() {
+  // An agent for requests that need no connection of their own.
+  #keptConnections = new https.Agent({ keepAlive: true });
+
+  get agent() {
+    return this.#keptConnections;
+  }
+
+  async #close() {
+    this.#keptConnections.destroy();
     await this.service.close();
+  }
+
+  async stop() {
+    await this.#close();
     this.state.remove();
   }
 
   // Ends the service and starts it again with the same state, as after a restart of the machine.
   async restart() {
-    await this.service.close();
+    await this.#close();
     this.service = await startService({ stateFolder: this.state.path, ...quick });
   }
 
-  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when the
-  // transfer fails; the error then has `received`, the number of body bytes that came before.
+  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when
+  // the transfer fails; the error then has `received`, the number of body bytes that came before.
   http1({
     method = 'POST',
     path = '/graphql',
@@ -80,7 +92,8 @@ class TestService {
           response.on('data', (piece) => (received += piece.length));
           response.on('error', (error) => reject(Object.assign(error, { received })));
           const { statusCode: status, headers: fields, rawHeaders } = response;
-          collect(response, (raw) => resolve(decoded({ status, headers: fields, rawHeaders, raw })));
+          const head = { status, headers: fields, rawHeaders };
+          collect(response, (raw) => resolve(decoded({ ...head, raw })));
         },
       );
       request.on('error', reject);
@@ -151,7 +164,8 @@ class TestService {
 export async function startTestService(options = {}) {
   const state = temporaryFolder();
   try {
-    return new TestService(await startService({ stateFolder: state.path, ...quick, ...options }), state);
+    const service = await startService({ stateFolder: state.path, ...quick, ...options });
+    return new TestService(service, state);
   } catch (error) {
     state.remove();
     throw error;

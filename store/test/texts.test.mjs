@@ -10,7 +10,7 @@ function shapeOf(value) {
 }
 
 for (const langCode of languages) {
-  test(`the texts in "${langCode}" are as many and take the same values as the English ones`, () => {
+  test(`the texts in "${langCode}" are as many as in English and take the same values`, () => {
     assert.deepEqual(shapeOf(textsFor({ langCode })), shapeOf(textsFor({ langCode: 'en' })));
   });
 }
