@@ -12,4 +12,19 @@ Fields fieldsOf(const graphql::GraphQLStorageApi::StoreInfoList& stores) {
   return fields;
 }
 
+Fields fieldsOf(const Session& session) {
+  const auto& login = session.login;
+  return {login.accessToken, login.refreshToken, login.expiresIn, login.errorInfo.message,
+          session.cacheId};
+}
+
+Fields fieldsOf(const graphql::GraphQLStorageApi::UserInfo& customer) {
+  return {customer.email, customer.firstname, customer.lastname};
+}
+
+Fields fieldsOf(const graphql::GraphQLApi::SampleMetadata& metadata) {
+  return {metadata.apiUrl, metadata.uid,      metadata.name,        metadata.author,
+          metadata.price,  metadata.oldPrice, metadata.thumbnailUrl};
+}
+
 }  // namespace bench

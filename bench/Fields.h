@@ -7,14 +7,24 @@
 #include <string>
 #include <vector>
 
+#include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLStorageApi.h"
 
 namespace bench {
 
 using Fields = std::vector<std::string>;
 
-// All members of the record, or of all records.
+// What a sign-in or a token refresh gives.
+struct Session {
+  graphql::GraphQLStorageApi::LoginInfo login;
+  std::string cacheId;  // from the headers of the answer; empty where it is not asked for
+};
+
+// All texts of the record, or of all records.
 Fields fieldsOf(const graphql::GraphQLStorageApi::StoreInfoList& stores);
+Fields fieldsOf(const Session& session);
+Fields fieldsOf(const graphql::GraphQLStorageApi::UserInfo& customer);
+Fields fieldsOf(const graphql::GraphQLApi::SampleMetadata& metadata);
 
 }  // namespace bench
 

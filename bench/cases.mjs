@@ -14,6 +14,10 @@ export const cases = [
   { operation: 'discovery', connection: 'new', authorities: 'system', limit: 1.13, count: 20 },
   { operation: 'discovery', connection: 'cold', authorities: 'own', limit: 1.05, count: 1 },
   { operation: 'discovery', connection: 'cold', authorities: 'system', limit: 1.05, count: 1 },
+  { operation: 'sign-in', connection: 'kept', authorities: 'own', limit: 1.35, count: 300 },
+  { operation: 'token-refresh', connection: 'kept', authorities: 'own', limit: 1.35, count: 300 },
+  { operation: 'profile', connection: 'kept', authorities: 'own', limit: 1.35, count: 300 },
+  { operation: 'sample-metadata', connection: 'kept', authorities: 'own', limit: 1.3, count: 300 },
 ];
 
 export const nameOf = ({ operation, connection, authorities }) =>
