@@ -45,6 +45,9 @@ class Http {
   // The next transfer fails: the runner returns `err`, with whatever had arrived.
   void failTransfer(int err, long status = 0, const std::string& body = "");
 
+  // Called, where the test sets it, with the curl command of each request before that is recorded.
+  std::function<void(const std::string& curlCommand)> beforeSending;
+
   std::vector<Request> requests;
 
   struct Answer {

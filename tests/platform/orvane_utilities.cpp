@@ -56,6 +56,12 @@ fake::Http::Answer nextAnswer(bool arrangedToFail) {
   return answer;
 }
 
+void announce(const HttpRequest& request) {
+  if (platform().http.beforeSending) {
+    platform().http.beforeSending(request.toCurlRequest());
+  }
+}
+
 // Passes the body on in pieces of a few bytes, as a network does.
 bool deliver(const std::string& body, const HttpRequestRunner::WriteCallback& write) {
   const std::size_t piece = 5;
@@ -72,6 +78,7 @@ bool deliver(const std::string& body, const HttpRequestRunner::WriteCallback& wr
 
 int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
                                       std::vector<char>* body, unsigned int limit) {
+  announce(request);
   const bool fails = platform().record("PerformRequest", std::to_string(limit));
   platform().http.requests.push_back(request.data->request);
   platform().http.requests.back().limit = static_cast<long>(limit);
@@ -85,6 +92,7 @@ int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
                                       std::unordered_map<std::string, std::string>* headers,
                                       ReadCallback read, WriteCallback write,
                                       ProgressCallback progress) {
+  announce(request);
   const bool fails =
       platform().record("PerformRequestWithHeaders", std::string(read ? "read " : "no read ") +
                                                          (progress ? "progress" : "no progress"));

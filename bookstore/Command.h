@@ -1,0 +1,77 @@
+// What a command of the program is: a row of the table in Commands.cpp, and one function. The
+// parser and --help are made from these rows.
+
+#ifndef BOOKSTORE_COMMAND_H_
+#define BOOKSTORE_COMMAND_H_
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bookstore/Output.h"
+#include "graphql_api/GraphQLApi.h"
+#include "graphql_api/GraphQLStorageApi.h"
+
+namespace bookstore {
+
+struct Option {
+  std::string name;       // "--store"; a name without dashes is that of a positional argument
+  std::string shortName;  // "-v"; empty when there is none
+  std::string value;      // stands for the value in help; empty for a flag
+  std::vector<std::string> choices;  // the values allowed; empty for any
+  bool isRequired = false;
+  std::string description;  // one line
+};
+
+// What the person gave. Only options that the command's row has may be asked for: another name
+// throws std::out_of_range.
+class Arguments {
+ public:
+  // Makes `name` known, as not given.
+  void declare(const std::string& name) { values_[name]; }
+  void set(const std::string& name, const std::string& value) { values_[name] = value; }
+
+  bool has(const std::string& name) const { return values_.at(name).has_value(); }
+  // Empty when the option was not given.
+  std::string text(const std::string& name) const { return values_.at(name).value_or(""); }
+
+ private:
+  std::map<std::string, std::optional<std::string>> values_;
+};
+
+// What a command's function works with, all owned by run() and valid during the call.
+struct Context {
+  const Arguments& arguments;
+  Output& output;
+  const std::shared_ptr<graphql::GraphQLStorageApi>& storage;
+  graphql::GraphQLApi& api;
+};
+
+// When a command sends a request.
+enum class Sends { Never, Always, WithRefresh };
+
+struct Command {
+  std::string name;         // words as the person types them; "group command" where there are many
+  std::string description;  // one line
+  Sends sends;
+  std::vector<Option> options;  // its own; every command takes commonOptions() too
+  // Does the work and prints the result; throws Failure when it cannot. Null for a group, whose row
+  // stands before its commands.
+  void (*run)(Context& context);
+};
+
+// The table, in the order of --help.
+const std::vector<Command>& commands();
+
+// The options of every command.
+const std::vector<Option>& commonOptions();
+
+// The options that print a text and end the program.
+const Option& helpOption();
+const Option& versionOption();
+
+}  // namespace bookstore
+
+#endif  // BOOKSTORE_COMMAND_H_

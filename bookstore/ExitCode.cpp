@@ -1,0 +1,19 @@
+#include "bookstore/ExitCode.h"
+
+namespace bookstore {
+
+const std::vector<ExitStatus>& exitStatuses() {
+  static const std::vector<ExitStatus> all = {
+      {kDone, "done"},
+      {kStoreRefused, "the store answered with an error"},
+      {kUsage, "wrong usage"},
+      {kTransferFailed, "the transfer failed"},
+      {kBadStatus, "the HTTP status was not 200"},
+      {kNoData, "the answer lacked the expected data"},
+      {kNoSession, "not signed in, or no store"},
+      {kLocalFailure, "a local file, the queue or the output failed"},
+  };
+  return all;
+}
+
+}  // namespace bookstore

@@ -1,0 +1,153 @@
+#include "bookstore/Run.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <system_error>
+
+#include <json/json.h>
+
+#include "bookstore/ExitCode.h"
+#include "bookstore/Failure.h"
+#include "bookstore/Output.h"
+#include "bookstore/Parser.h"
+#include "host/DryRun.h"
+#include "host/Log.h"
+#include "host/Settings.h"
+
+namespace bookstore {
+
+namespace {
+
+class DryRunScope {
+ public:
+  explicit DryRunScope(bool isOn) { host::setDryRun(isOn); }
+  ~DryRunScope() { host::setDryRun(false); }
+
+  DryRunScope(const DryRunScope&) = delete;
+  DryRunScope& operator=(const DryRunScope&) = delete;
+};
+
+void changeSetting(const host::Setting& setting, const std::string& value) {
+  ::setenv(setting.name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+}
+
+// The person's own settings stand where they ask for more.
+void adjustLog(const Arguments& arguments) {
+  const long long level = host::number(host::settings::kLogLevel, 0, 9);
+  if (arguments.has("--verbose") && level < host::kLogInformation) {
+    changeSetting(host::settings::kLogLevel, std::to_string(host::kLogInformation));
+  }
+  if (arguments.has("--show-secrets")) {
+    changeSetting(host::settings::kLogSecrets, "1");
+  }
+}
+
+void checkDryRun(const Command& command, const Arguments& arguments) {
+  const bool isDryRun = arguments.has("--dry-run");
+  const std::string help = "bookstore " + command.name + " --help";
+  if (isDryRun != arguments.has("--curl")) {
+    throw Failure(kUsage, "--dry-run and --curl go together", "give both or neither; " + help);
+  }
+  if (!isDryRun) {
+    return;
+  }
+  switch (command.sends) {
+    case Sends::Always:
+      return;
+    case Sends::WithRefresh:
+      if (!arguments.has("--refresh")) {
+        throw Failure(
+            kUsage, "'" + command.name + "' sends no request to show: it only does with --refresh",
+            "add --refresh, or leave out --dry-run --curl");
+      }
+      return;
+    case Sends::Never:
+      throw Failure(kUsage, "'" + command.name + "' sends no request to show",
+                    "leave out --dry-run --curl");
+  }
+}
+
+void printDryRun(const host::DryRun& dryRun, Output* output) {
+  const std::string command = output->withoutSecrets(dryRun.curlCommand());
+  if (output->isJson()) {
+    Json::Value document;
+    document["curl"] = command;
+    output->printJson(document);
+  } else {
+    output->print(command + "\n");
+  }
+}
+
+void runCommand(const Invocation& invocation, Output* output) {
+  const Arguments& arguments = invocation.arguments;
+  output->setJson(arguments.has("--json"));
+  output->setShowSecrets(arguments.has("--show-secrets"));
+  checkDryRun(*invocation.command, arguments);
+  adjustLog(arguments);
+  const DryRunScope dryRunScope(arguments.has("--dry-run"));
+  try {
+    const auto storage = std::make_shared<graphql::GraphQLStorageApi>();
+    graphql::GraphQLApi api(storage);
+    Context context{arguments, *output, storage, api};
+    invocation.command->run(context);
+  } catch (const host::DryRun& dryRun) {
+    printDryRun(dryRun, output);
+  }
+}
+
+void execute(const std::vector<std::string>& words, const std::vector<Command>& table,
+             Output* output) {
+  const Invocation invocation = parse(words, table);
+  if (invocation.command == nullptr) {
+    output->print(invocation.text);
+  } else {
+    runCommand(invocation, output);
+  }
+  errno = 0;
+  if (!output->flush()) {
+    const std::string reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
+    throw Failure(kLocalFailure, "standard output cannot be written" + reason,
+                  "see whether its reader is still there, or its disk full");
+  }
+}
+
+Failure unexpectedFailure(const char* what) {
+  return Failure(kLocalFailure, std::string("unexpected failure: ") + what,
+                 "check the files below " + host::rootFolder() + ", or run it again with -v");
+}
+
+// Turns what is in flight into a Failure: the one place that knows all kinds of exceptions.
+Failure currentFailure() {
+  try {
+    throw;
+  } catch (const Failure& failure) {
+    return failure;
+  } catch (const Json::Exception& exception) {
+    return Failure(kNoData,
+                   std::string("the store's answer holds what cannot be read: ") + exception.what(),
+                   "run it again with -v to see the answer");
+  } catch (const std::exception& exception) {
+    return unexpectedFailure(exception.what());
+  } catch (...) {
+    return unexpectedFailure("no description");
+  }
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& words, const Terminal& terminal,
+        const std::vector<Command>& table) {
+  Output output(terminal);
+  try {
+    execute(words, table, &output);
+    return kDone;
+  } catch (...) {
+    const Failure failure = currentFailure();
+    output.fail(failure);
+    return failure.code();
+  }
+}
+
+}  // namespace bookstore

@@ -1,0 +1,42 @@
+// Shows that the program is at work while a request keeps its thread waiting.
+
+#ifndef BOOKSTORE_SPINNER_H_
+#define BOOKSTORE_SPINNER_H_
+
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "bookstore/Terminal.h"
+
+namespace bookstore {
+
+// Turns, on a thread of its own, from construction to destruction, which takes it off the line. In
+// between nobody else writes to the terminal's streams.
+class Spinner {
+ public:
+  // Writes to `terminal.err`, which must outlive the object; nothing at all where that is no
+  // terminal, or one that cannot move its cursor. `text` stands beside the spinner.
+  Spinner(const Terminal& terminal, const std::string& text);
+  ~Spinner();
+
+  Spinner(const Spinner&) = delete;
+  Spinner& operator=(const Spinner&) = delete;
+
+ private:
+  void turn();
+  void draw(std::size_t step);
+
+  std::ostream& err_;
+  const std::string text_;
+  std::mutex mutex_;
+  std::condition_variable ending_;
+  bool isEnding_ = false;
+  std::thread thread_;
+};
+
+}  // namespace bookstore
+
+#endif  // BOOKSTORE_SPINNER_H_

@@ -1,0 +1,158 @@
+// The built program as a process of its own, over the development host.
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "bookstore/Command.h"
+#include "bookstore/ExitCode.h"
+#include "tests/host/TemporaryRoot.h"
+
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+namespace {
+
+class ProgramTest : public ::testing::Test {
+ protected:
+  // Runs a line of shell text in which $bookstore is the program; what the line prints to standard
+  // output and standard error, terminals' line ends made plain, is in `printed`.
+  int shell(const std::string& line) {
+    int ends[2];
+    EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+      ::dup2(ends[1], STDOUT_FILENO);
+      ::dup2(ends[1], STDERR_FILENO);
+      ::execl("/bin/bash", "bash", "-c", line.c_str(), static_cast<char*>(nullptr));
+      ::_exit(127);
+    }
+    ::close(ends[1]);
+    printed = readAll(ends[0]);
+    ::close(ends[0]);
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  // The same for the program on a terminal of its own.
+  int terminal(const std::string& words) {
+    return shell("script --quiet --return --command \"$bookstore " + words +
+                 "\" /dev/null </dev/null");
+  }
+
+  std::string printed;
+
+  host_tests::TemporaryRoot root;
+  host_tests::ScopedSetting program{"bookstore", BOOKSTORE_PROGRAM};
+  host_tests::ScopedSetting terminalKind{"TERM", "xterm"};
+  host_tests::ScopedSetting noColor{"NO_COLOR", ""};
+  // A closed port: nothing in these tests leaves the machine, or finds a server on it.
+  host_tests::ScopedSetting connectTo{"ORVANE_CONNECT_TO", "::127.0.0.1:1"};
+
+ private:
+  static std::string readAll(int descriptor) {
+    std::string text;
+    std::array<char, 4096> piece;
+    ssize_t count = 0;
+    while ((count = ::read(descriptor, piece.data(), piece.size())) > 0) {
+      text.append(piece.data(), static_cast<std::size_t>(count));
+    }
+    return text;
+  }
+};
+
+}  // namespace
+
+TEST_F(ProgramTest, ListsEveryCommandAndExitCodeInItsHelp) {
+  EXPECT_EQ(shell("$bookstore --help"), bookstore::kDone);
+  for (const bookstore::Command& command : bookstore::commands()) {
+    EXPECT_THAT(printed, HasSubstr("\n  " + command.name + " "));
+  }
+  for (const bookstore::ExitStatus& status : bookstore::exitStatuses()) {
+    EXPECT_THAT(printed, HasSubstr("\n  " + std::to_string(status.code) + "  " + status.meaning));
+  }
+}
+
+TEST_F(ProgramTest, EndsWithTheUsageCodeAndAMessageOnStandardError) {
+  EXPECT_EQ(shell("$bookstore stores --bogus 2>/dev/null"), bookstore::kUsage);
+  EXPECT_THAT(printed, IsEmpty());
+  EXPECT_EQ(shell("$bookstore stores --bogus >/dev/null"), bookstore::kUsage);
+  EXPECT_THAT(printed, HasSubstr("--bogus"));
+}
+
+TEST_F(ProgramTest, PrintsDataToStandardOutput) {
+  EXPECT_EQ(shell("$bookstore status 2>/dev/null"), bookstore::kDone);
+  EXPECT_THAT(printed, HasSubstr("Root folder       " + root.path() + "\n"));
+}
+
+TEST_F(ProgramTest, ReportsAStoreThatDoesNotAnswer) {
+  EXPECT_EQ(shell("$bookstore stores --refresh"), bookstore::kTransferFailed);
+  EXPECT_THAT(printed,
+              AllOf(HasSubstr("no connection to the server (7)"), HasSubstr("ORVANE_CONNECT_TO")));
+}
+
+TEST_F(ProgramTest, PrintsTheRequestOfADryRunAndKeepsNothing) {
+  EXPECT_EQ(shell("$bookstore stores --refresh --dry-run --curl"), bookstore::kDone);
+  EXPECT_THAT(printed, AllOf(StartsWith("curl "), HasSubstr("'Store: de_de'")));
+  EXPECT_EQ(root.contentOf("/mnt/ext1/system/state/cache/store_list.cfg"), "");
+}
+
+TEST_F(ProgramTest, ReportsAStandardOutputThatIsClosed) {
+  EXPECT_EQ(shell("$bookstore status >&-"), bookstore::kLocalFailure);
+  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: Bad file descriptor"));
+}
+
+TEST_F(ProgramTest, ReportsAStandardOutputThatIsFull) {
+  EXPECT_EQ(shell("$bookstore status >/dev/full"), bookstore::kLocalFailure);
+  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: No space left on device"));
+}
+
+TEST_F(ProgramTest, ReportsAReaderThatIsGone) {
+  EXPECT_EQ(shell("exec 3> >(:); wait $!; $bookstore status >&3"), bookstore::kLocalFailure);
+  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: Broken pipe"));
+}
+
+TEST_F(ProgramTest, WritesIntoNoFileWhatWasMeantForAClosedStream) {
+  EXPECT_EQ(shell("$bookstore stores --refresh <&- >&- 2>&-"), bookstore::kTransferFailed);
+  EXPECT_THAT(root.contentOf("/mnt/ext1/system/config/device.cfg"), Not(HasSubstr("bookstore:")));
+}
+
+TEST_F(ProgramTest, ColoursOnATerminal) {
+  EXPECT_EQ(terminal("sing"), bookstore::kUsage);
+  EXPECT_THAT(printed, HasSubstr("\033[1;31mbookstore:"));
+  terminal("stores --refresh");
+  EXPECT_THAT(printed, HasSubstr("Asking the store\r"));
+}
+
+TEST_F(ProgramTest, LeavesColoursOutForWhoAsks) {
+  const host_tests::ScopedSetting without("NO_COLOR", "1");
+  EXPECT_EQ(terminal("sing"), bookstore::kUsage);
+  EXPECT_THAT(printed, AllOf(HasSubstr("bookstore:"), Not(HasSubstr("\033"))));
+}
+
+TEST_F(ProgramTest, LeavesColoursAndSpinnerOutOnADumbTerminal) {
+  const host_tests::ScopedSetting dumb("TERM", "dumb");
+  EXPECT_EQ(terminal("stores --refresh"), bookstore::kTransferFailed);
+  EXPECT_THAT(printed, AllOf(HasSubstr("bookstore:"), Not(HasSubstr("\033")),
+                             Not(HasSubstr("Asking the store"))));
+}
+
+TEST_F(ProgramTest, ShowsTheLogOfTheLibraryWhenAsked) {
+  const host_tests::ScopedSetting target("ORVANE_LOG", "stderr");
+  shell("$bookstore stores");
+  EXPECT_THAT(printed, Not(HasSubstr("Loaded stores: count [0]")));
+  shell("$bookstore stores -v");
+  EXPECT_THAT(printed, HasSubstr("Loaded stores: count [0]"));
+}
