@@ -5,7 +5,6 @@
 #define TESTS_END_TO_END_ENDTOENDTEST_H_
 
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,9 +22,9 @@ class EndToEndTest : public ::testing::Test {
   static void SetUpTestSuite() { service_ = std::make_unique<StoreService>(); }
   static void TearDownTestSuite() { service_.reset(); }
 
-  EndToEndTest() : folder_(makeTemporaryFolder()) {
+  EndToEndTest() {
     set("ORVANE_ROOT", root());
-    set("ORVANE_LOG", folder_ + "/log");
+    set("ORVANE_LOG", folder_.path() + "/log");
     set("ORVANE_LOG_LEVEL", "5");
     set("ORVANE_CA_FILE", store().authority());
     set("ORVANE_CONNECT_TO", store().connectTo());
@@ -36,16 +35,11 @@ class EndToEndTest : public ::testing::Test {
     store().reset();
   }
 
-  ~EndToEndTest() override {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
-
   static StoreService& store() { return *service_; }
 
   static void set(const char* name, const std::string& value) { ::setenv(name, value.c_str(), 1); }
 
-  std::string root() const { return folder_ + "/root"; }
+  std::string root() const { return folder_.path() + "/root"; }
 
   // An API object over a fresh state object; failures are told to `failures`.
   std::unique_ptr<graphql::GraphQLApi> makeApi() {
@@ -58,7 +52,7 @@ class EndToEndTest : public ::testing::Test {
   // The lines of the log that hold `text`, from their text on.
   std::vector<std::string> logged(const std::string& text) const {
     std::vector<std::string> lines;
-    for (const auto& file : contentOf(folder_)) {
+    for (const auto& file : contentOf(folder_.path())) {
       if (file.first != "/log") {
         continue;
       }
@@ -78,7 +72,7 @@ class EndToEndTest : public ::testing::Test {
 
  private:
   static inline std::unique_ptr<StoreService> service_;
-  const std::string folder_;
+  const TemporaryFolder folder_;
 };
 
 }  // namespace end_to_end

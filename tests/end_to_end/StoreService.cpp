@@ -89,12 +89,16 @@ std::string outputOf(const std::vector<std::string>& command, int* status,
   return output;
 }
 
-std::string makeTemporaryFolder() {
-  std::string name = std::filesystem::temp_directory_path().string() + "/end-to-end-XXXXXX";
-  if (::mkdtemp(&name[0]) == nullptr) {
-    throw std::runtime_error("cannot make " + name);
+TemporaryFolder::TemporaryFolder()
+    : path_(std::filesystem::temp_directory_path().string() + "/end-to-end-XXXXXX") {
+  if (::mkdtemp(&path_[0]) == nullptr) {
+    throw std::runtime_error("cannot make " + path_);
   }
-  return name;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
 }
 
 std::vector<std::pair<std::string, std::string>> contentOf(const std::string& folder) {
@@ -111,7 +115,7 @@ std::vector<std::pair<std::string, std::string>> contentOf(const std::string& fo
   return files;
 }
 
-StoreService::StoreService() : folder_(makeTemporaryFolder()) {
+StoreService::StoreService() {
   start();
 }
 
@@ -121,19 +125,17 @@ StoreService::~StoreService() {
   } catch (const std::exception&) {
     // Nothing is left to do for a test that ends; the service is bound to its folder.
   }
-  std::error_code ignored;
-  std::filesystem::remove_all(folder_, ignored);
 }
 
 void StoreService::start() {
-  const std::string lines = outputOf({STORE_SCRIPT, "start", "--state", folder_ + "/state"});
+  const std::string lines = outputOf({STORE_SCRIPT, "start", "--state", folder() + "/state"});
   port_ = field(lines, "port");
   control_ = field(lines, "control");
   authority_ = field(lines, "ca");
 }
 
 void StoreService::stop() {
-  outputOf({STORE_SCRIPT, "stop", "--state", folder_ + "/state"});
+  outputOf({STORE_SCRIPT, "stop", "--state", folder() + "/state"});
 }
 
 std::string StoreService::connectTo() const {

@@ -10,6 +10,21 @@
 
 namespace end_to_end {
 
+// A new folder in the system's folder for temporary files, removed when destroyed.
+class TemporaryFolder {
+ public:
+  TemporaryFolder();
+  ~TemporaryFolder();
+
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
 // Starts a service with a state folder of its own, and ends it and removes the folder when
 // destroyed. Throws std::runtime_error with the service's words when it does not start.
 class StoreService {
@@ -31,7 +46,7 @@ class StoreService {
   std::string connectTo() const;
 
   // The state folder of the service.
-  const std::string& folder() const { return folder_; }
+  const std::string& folder() const { return folder_.path(); }
 
   // Adds a fault, given as JSON; the service's README lists the members.
   void addFault(const std::string& fault);
@@ -49,7 +64,7 @@ class StoreService {
   std::string control(const std::string& method, const std::string& path,
                       const std::string& body = std::string());
 
-  std::string folder_;
+  const TemporaryFolder folder_;
   std::string port_;
   std::string control_;
   std::string authority_;
@@ -59,9 +74,6 @@ class StoreService {
 // that is not null; else a status other than 0 throws std::runtime_error with the output.
 std::string outputOf(const std::vector<std::string>& command, int* status = nullptr,
                      const std::string& input = std::string());
-
-// A new folder in the system's folder for temporary files.
-std::string makeTemporaryFolder();
 
 // Every file below `folder`: its path there and its content.
 std::vector<std::pair<std::string, std::string>> contentOf(const std::string& folder);
