@@ -21,7 +21,8 @@ const Setting kPinnedKey = {"ORVANE_PINNED_KEY", "",
 const Setting kConnectTo = {"ORVANE_CONNECT_TO", "",
                             "where to connect instead: HOST:PORT:TO-HOST:TO-PORT[,...]; an empty "
                             "HOST or PORT stands for any"};
-const Setting kHttpVersion = {"ORVANE_HTTP_VERSION", "1.1", "HTTP version to ask for: 1.1 or 2"};
+const Setting kHttpVersion = {"ORVANE_HTTP_VERSION", "1.1",
+                              "HTTP version to ask for: 1.1 or 2; a kept connection keeps its own"};
 const Setting kMaxAnswerBytes = {"ORVANE_MAX_ANSWER_BYTES", "16777216",
                                  "largest answer body in bytes, after decompression"};
 const Setting kConnectTimeoutSeconds = {"ORVANE_CONNECT_TIMEOUT", "10",
