@@ -132,8 +132,6 @@ struct GraphQLApi::Answer {
     return info;
   }
 
-  const Json::Value* product() const;
-
   // The operation's own member under "data"; null when the answer has none.
   const Json::Value* result(const std::string& name) const {
     const Json::Value* data = findMember(root, "data");
@@ -577,6 +575,17 @@ std::string sampleQuery(const std::string& uid, const char* tail) {
   return "{\nproductDetails(uid: \"" + uid + tail;
 }
 
+// The product in the operation's own member; null unless every level above it is there.
+const Json::Value* findProduct(const Json::Value* details) {
+  const Json::Value* product = details == nullptr ? nullptr : findMember(*details, "product");
+  return product != nullptr && product->isObject() ? product : nullptr;
+}
+
+std::string readThumbnailUrl(const Json::Value& product) {
+  const Json::Value& thumbnail = product["thumbnail"];
+  return thumbnail.isObject() ? thumbnail["url"].asString() : std::string();
+}
+
 std::string readAuthor(const Json::Value& product) {
   const Json::Value& authors = product["authors"];
   if (!authors.isArray() || authors.empty()) {
@@ -603,11 +612,28 @@ int clampedToInt(double value) {
 
 }  // namespace
 
-// The product of an answer; null unless every level above it is there.
-const Json::Value* GraphQLApi::Answer::product() const {
-  const Json::Value* details = result("productDetails");
-  const Json::Value* found = details == nullptr ? nullptr : findMember(*details, "product");
-  return found != nullptr && found->isObject() ? found : nullptr;
+// What both sample operations read; `readMore` reads the rest of the product, if it is set.
+GraphQLApi::SampleMetadata GraphQLApi::fetchSample(const Operation& operation,
+                                                   const std::string& uid,
+                                                   const ProductReader& readMore) {
+  const Answer answer = perform(operation);
+  SampleMetadata metadata;
+  metadata.error = answer.apiError();
+  const Json::Value* product =
+      answer.failed() ? nullptr : findProduct(answer.result("productDetails"));
+  if (product == nullptr) {
+    return metadata;
+  }
+  metadata.uid = (*product)["uid"].asString();
+  if (readMore) {
+    readMore(*product, &metadata);
+  }
+  Json::Value priceRange = (*product)["price_range"];
+  if (priceRange.isObject()) {
+    fillSamplePrice(metadata, priceRange);
+  }
+  metadata.error = metadata.uid == uid ? Ok : BadResponse;
+  return metadata;
 }
 
 GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::StoreInfo& store,
@@ -619,24 +645,12 @@ GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::S
   operation.failureFormat = "Sample metadata failed err = %d, code = %d";
   operation.responseFormat = "Sample metadata responce: [%s]";
 
-  const Answer answer = perform(operation);
-  SampleMetadata metadata;
-  const Json::Value* product = answer.product();
-  if (answer.failed() || product == nullptr) {
-    metadata.error = answer.apiError();
-    return metadata;
-  }
-  metadata.apiUrl = store.apiUrl;
-  metadata.uid = (*product)["uid"].asString();
-  metadata.name = (*product)["name"].asString();
-  metadata.author = readAuthor(*product);
-  readPrices(*product, &metadata);
-  const Json::Value& thumbnail = (*product)["thumbnail"];
-  if (thumbnail.isObject()) {
-    metadata.thumbnailUrl = thumbnail["url"].asString();
-  }
-  metadata.error = metadata.uid == uid ? Ok : BadResponse;
-  return metadata;
+  return fetchSample(operation, uid, [&](const Json::Value& product, SampleMetadata* metadata) {
+    metadata->apiUrl = store.apiUrl;
+    metadata->name = product["name"].asString();
+    metadata->author = readAuthor(product);
+    metadata->thumbnailUrl = readThumbnailUrl(product);
+  });
 }
 
 GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageApi::StoreInfo& store,
@@ -648,24 +662,7 @@ GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageAp
   operation.failureFormat = "Sample price refresh failed err = %d, code = %d";
   operation.responseFormat = "Sample price refresh responce: [%s]";
 
-  const Answer answer = perform(operation);
-  SampleMetadata metadata;
-  const Json::Value* product = answer.product();
-  if (answer.failed() || product == nullptr) {
-    metadata.error = answer.apiError();
-    return metadata;
-  }
-  metadata.uid = (*product)["uid"].asString();
-  readPrices(*product, &metadata);
-  metadata.error = metadata.uid == uid ? Ok : BadResponse;
-  return metadata;
-}
-
-void GraphQLApi::readPrices(const Json::Value& product, SampleMetadata* metadata) {
-  Json::Value priceRange = product["price_range"];
-  if (priceRange.isObject()) {
-    fillSamplePrice(*metadata, priceRange);
-  }
+  return fetchSample(operation, uid, ProductReader());
 }
 
 void GraphQLApi::fillSamplePrice(SampleMetadata& metadata, Json::Value& priceRange) {

@@ -179,6 +179,7 @@ class GraphQLApi {
  private:
   struct Operation;
   struct Answer;
+  using ProductReader = std::function<void(const Json::Value& product, SampleMetadata* metadata)>;
 
   Answer perform(const Operation& operation);
   int transfer(const Operation& operation, Answer* answer);
@@ -187,7 +188,8 @@ class GraphQLApi {
                                          const std::string& tokenName);
   void storeTokens(const GraphQLStorageApi::LoginInfo& login,
                    const GraphQLStorageApi::StoreInfo& store, const std::string& cacheId);
-  void readPrices(const Json::Value& product, SampleMetadata* metadata);
+  SampleMetadata fetchSample(const Operation& operation, const std::string& uid,
+                             const ProductReader& readMore);
 
   std::shared_ptr<GraphQLStorageApi> storage;
   std::function<void(int, int)> errorCb;
