@@ -1,11 +1,12 @@
 // Runs the benchmarks (scripts/bench builds them first): the parts, then each case, the two programs
 // in turn on the server's processor.
-// Usage: node run.mjs PROGRAMS-FOLDER RESULTS-FOLDER HOST [--quick]
+// Usage: node run.mjs PROGRAMS-FOLDER RESULTS-FOLDER HOST [--quick] [--only TEXT]
 
 import { deepStrictEqual } from 'node:assert';
 import { existsSync, mkdirSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { cpus, release, tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
+import { parseArgs } from 'node:util';
 
 import { cases, nameOf } from './cases.mjs';
 import { makeCertificates } from './certificates.mjs';
@@ -37,7 +38,7 @@ function makeDevice(folder) {
 }
 
 class Bench {
-  constructor({ programs, host, folder, effort }) {
+  constructor({ programs, host, folder, effort, operations }) {
     this.paths = {
       library: join(programs, 'bench_operation'),
       bare: join(programs, 'bench_bare'),
@@ -48,7 +49,7 @@ class Bench {
     [this.host, this.port = '443'] = host.split(':');
     this.processor = lastProcessor();
     this.root = makeDevice(folder);
-    this.operations = [...new Set(cases.map(({ operation }) => operation))];
+    this.operations = operations;
   }
 
   async start() {
@@ -133,13 +134,24 @@ async function versions() {
   return { processor: cpus()[0].model, kernel: release(), curl: curl.trim(), openssl: openssl.trim() };
 }
 
-const [programs, resultsFolder, host, mode] = process.argv.slice(2);
+const { values: options, positionals } = parseArgs({
+  options: { quick: { type: 'boolean' }, only: { type: 'string', default: '' } },
+  allowPositionals: true,
+});
+const [programs, resultsFolder, host] = positionals;
+const chosen = cases.filter((one) => nameOf(one).includes(options.only));
+if (chosen.length === 0) {
+  const names = cases.map(nameOf).join('\n  ');
+  process.stderr.write(`bench: no case holds '${options.only}'; there are:\n  ${names}\n`);
+  process.exit(2);
+}
 const inMemory = existsSync('/dev/shm') ? '/dev/shm' : tmpdir();
 const bench = new Bench({
   programs,
   host,
   folder: mkdtempSync(join(inMemory, 'graphql-api-bench-')),
-  effort: mode === '--quick' ? kQuick : kThorough,
+  effort: options.quick ? kQuick : kThorough,
+  operations: [...new Set(chosen.map(({ operation }) => operation))],
 });
 for (const [signal, status] of [['SIGINT', 130], ['SIGTERM', 143], ['SIGHUP', 129]]) {
   process.once(signal, () => {
@@ -153,7 +165,7 @@ try {
   const parts = await bench.measureParts();
   printParts(parts);
   const results = [];
-  for (const one of cases) {
+  for (const one of chosen) {
     process.stderr.write(`Measuring ${nameOf(one)} ...\n`);
     results.push(await bench.measure(one));
   }
