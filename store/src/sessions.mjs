@@ -55,8 +55,7 @@ export class Sessions {
   }
 
   #find(session) {
-    const { sessions } = this.#document.value;
-    return Object.hasOwn(sessions, session) ? sessions[session] : undefined;
+    return this.#document.value.sessions[session];
   }
 
   #giveTokens(customerId, sessionName) {

@@ -6,7 +6,7 @@ function storeByCode(seed, code) {
 }
 
 // The store of the host's name. Under a loopback name it is the one in the path ("/de_de/"), and
-// for "/" the one of the cookie "orvane-store", else the default one. Undefined for other addresses.
+// for "/" the one of the cookie "orvane-store", else the default one. Else undefined.
 export function findAddressedStore({ url, hostName }, cookies, seed) {
   const [path] = url.split('?');
   const host = hostName.toLowerCase();

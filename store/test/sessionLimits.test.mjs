@@ -1,4 +1,4 @@
-// How many sessions are kept, and for how long.
+// Sessions on a clock of their own: how many are kept, and for how long.
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
@@ -41,4 +41,11 @@ test('a session whose refresh token has expired is forgotten', (t) => {
   time.now = 31 * 24 * 3600 * 1000;
   sessions.open(2);
   assert.equal(keptCount(), 1);
+});
+
+test('tokens of the same instant differ', (t) => {
+  const { sessions } = sessionsAlone(t);
+  const first = sessions.open(1);
+  const { tokens: second } = sessions.refresh(first.refreshToken);
+  assert.notEqual(second.accessToken, first.accessToken);
 });

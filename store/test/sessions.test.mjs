@@ -128,6 +128,14 @@ for (const line of ['old', 'new']) {
   });
 }
 
+test('the cache id after a refresh is that of a customer on the old line', async () => {
+  await store.useLine('old');
+  const { accessToken, refreshToken } = await reader.signedIn();
+  const [profile, answer] = [await reader.profile(accessToken), await reader.refresh(refreshToken)];
+  assert.match(answer.headers['x-magento-cache-id'], /^[0-9a-f]{64}$/);
+  assert.equal(answer.headers['x-magento-cache-id'], profile.headers['x-magento-cache-id']);
+});
+
 test('an expired token is refused for a public operation too', async () => {
   const { accessToken } = await reader.signedIn();
   await reader.passes(3601);
