@@ -28,14 +28,13 @@ namespace {
 constexpr long kStatusOk = 200;
 constexpr unsigned int kTransferLimit = 30;
 
-// Json::Reader reads real numbers by the global C++ locale and gives up on "9.99" where that groups
-// digits with points. In such a process the global locale counts in the classic way while this
-// object lives; everywhere else nothing is touched.
+// Json::Reader reads real numbers by the global C++ locale and gives up on "9.99" where that writes
+// a comma before the fraction. In such a process the global locale counts in the classic way while
+// this object lives; everywhere else nothing is touched.
 class ClassicNumbers {
  public:
   ClassicNumbers() {
-    const auto& numbers = std::use_facet<std::numpunct<char>>(previous_);
-    if (numbers.decimal_point() == '.' && numbers.grouping().empty()) {
+    if (std::use_facet<std::numpunct<char>>(previous_).decimal_point() == '.') {
       return;
     }
     // A locale without a name leaves the C locale alone; the way back does not.

@@ -33,7 +33,7 @@ TEST_F(DeviceIdentityTest, TheIdentityIsEmptyUntilTheFirstHeaderBuild) {
 }
 
 TEST_F(DeviceIdentityTest, TheDeviceIsAskedOnceOnly) {
-  EXPECT_TRUE(passesInNewProcess([this] {
+  EXPECT_TRUE(passesInNewProcess([] {
     const Headers first = graphQLHeaders(nullptr, StoreInfo(), GraphQLStorageApi::None);
     EXPECT_EQ(platform().calls.size(), 5U);
     platform().device = {"ZZ9", "9.9", "SN9", 1, 2, 3};
@@ -44,7 +44,7 @@ TEST_F(DeviceIdentityTest, TheDeviceIsAskedOnceOnly) {
 }
 
 TEST_F(DeviceIdentityTest, AModelWithoutADigitHasNoNumber) {
-  EXPECT_TRUE(passesInNewProcess([this] {
+  EXPECT_TRUE(passesInNewProcess([] {
     platform().device.model = "Prototype";
     const Headers sent = graphQLHeaders(nullptr, StoreInfo(), GraphQLStorageApi::None);
     EXPECT_EQ(deviceModel, "eink ");
@@ -53,7 +53,7 @@ TEST_F(DeviceIdentityTest, AModelWithoutADigitHasNoNumber) {
 }
 
 TEST_F(DeviceIdentityTest, TheModelNumberIsTheTextFromTheFirstDigitOn) {
-  EXPECT_TRUE(passesInNewProcess([this] {
+  EXPECT_TRUE(passesInNewProcess([] {
     platform().device.model = "A 7x Plus";
     graphQLHeaders(nullptr, StoreInfo(), GraphQLStorageApi::None);
     EXPECT_EQ(deviceModel, "eink 7x Plus");
@@ -61,7 +61,7 @@ TEST_F(DeviceIdentityTest, TheModelNumberIsTheTextFromTheFirstDigitOn) {
 }
 
 TEST_F(DeviceIdentityTest, ScreenSizesAreSignedDecimals) {
-  EXPECT_TRUE(passesInNewProcess([this] {
+  EXPECT_TRUE(passesInNewProcess([] {
     platform().device.screenWidth = -1;
     platform().device.screenHeight = 1234567;
     graphQLHeaders(nullptr, StoreInfo(), GraphQLStorageApi::None);

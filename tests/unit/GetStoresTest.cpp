@@ -40,7 +40,7 @@ class GetStoresTest : public PlatformTest {
     platform().calls.clear();
     platform().log.clear();
     api.reset(new GraphQLApi(storage));
-    api->setErrorCb([this](int err, int code) {
+    api->setErrorCb([](int err, int code) {
       platform().calls.push_back("callback " + std::to_string(err) + " " + std::to_string(code));
     });
   }
@@ -199,6 +199,11 @@ TEST_F(GetStoresTest, LogsTheWholeAnswerBeforeTheStoresAreSaved) {
   answer["data"]["availableBookStores"] = Json::arrayValue;
   EXPECT_EQ(line.text, "Stores responce: [" + answer.toStyledString() + "]");
   EXPECT_EQ(platform().log.at(1).text, "Save stores: count [0]");
+}
+
+TEST_F(GetStoresTest, CommentsInTheAnswerReachTheLog) {
+  getStores("// kept\n{}");
+  EXPECT_EQ(platform().log.at(0).text, "Stores responce: [\n// kept\n{}\n]");
 }
 
 // --- Answers without the expected data -----------------------------------------------------------

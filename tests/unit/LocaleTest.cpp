@@ -54,7 +54,7 @@ TEST_P(LocaleTest, TheUserAgentStaysAsItIs) {
 }
 
 TEST_P(LocaleTest, AnAnswerIsReadAndLoggedAsEver) {
-  EXPECT_TRUE(passesInNewProcess([this] {
+  EXPECT_TRUE(passesInNewProcess([] {
     becomeGerman();
     platform().http.answer(200, R"({"data":{"availableBookStores":[
         {"status":1.5,"storeCode":9.5,"providerID":1234567.25,"currency":12345678}]}})");

@@ -19,7 +19,7 @@ class OperationTest : public PlatformTest {
     storage->setStoresList({store, makeStore("other")});
     storage->setTokens("access", "refresh", "3600", store, "cache-id");
     forgetCalls();
-    api.setErrorCb([this](int err, int code) {
+    api.setErrorCb([](int err, int code) {
       platform().calls.push_back("callback " + std::to_string(err) + " " + std::to_string(code));
     });
   }
