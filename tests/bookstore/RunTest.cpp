@@ -188,6 +188,7 @@ TEST_F(RunTest, DryRunPrintsTheRequestAndChangesNothing) {
 
 TEST_F(RunTest, DryRunEndsWithTheCommand) {
   run({"stores", "--refresh", "--dry-run", "--curl"});
+  EXPECT_FALSE(host::isDryRun());
   run({"stores", "--refresh"});
   EXPECT_THAT(fake::platform().http.requests, SizeIs(1));
 }
