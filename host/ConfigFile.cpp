@@ -62,17 +62,17 @@ ConfigFile::~ConfigFile() {
   wipe(&clearText_);
 }
 
-std::set<std::string> ConfigFile::keys() {
-  std::set<std::string> keys;
-  for (const auto& entry : fileEntries()) {
-    keys.emplace_hint(keys.end(), entry.first);
-  }
-  for (const ConfigEntries* entries : {&written_, &missing_}) {
-    for (const auto& entry : *entries) {
-      keys.insert(entry.first);
+const std::set<std::string>& ConfigFile::keys() {
+  if (!keys_) {
+    fileEntries();
+    keys_.emplace();
+    for (const ConfigEntries* entries : {&fromFile_, &written_, &missing_}) {
+      for (const auto& entry : *entries) {
+        keys_->emplace_hint(keys_->end(), entry.first);
+      }
     }
   }
-  return keys;
+  return *keys_;
 }
 
 const ConfigValue* ConfigFile::find(const std::string& key) {
@@ -106,10 +106,12 @@ const char* ConfigFile::clearTextOf(const std::string& key, const ConfigValue& v
 
 void ConfigFile::write(const std::string& key, const std::string& text) {
   written_[key] = {text, false};
+  keys_.reset();
 }
 
 void ConfigFile::writeIfMissing(const std::string& key, const std::string& text) {
   missing_[key] = {text, false};
+  keys_.reset();
 }
 
 void ConfigFile::writeSecret(const std::string& key, const std::string& clearText) {
@@ -118,6 +120,7 @@ void ConfigFile::writeSecret(const std::string& key, const std::string& clearTex
   }
   if (box_) {
     written_[key] = {box_->seal(clearText, devicePath_, key), true};
+    keys_.reset();
   } else {
     lacksSecret_ = true;
   }
@@ -167,6 +170,7 @@ bool ConfigFile::save() {
   isLoaded_ = true;
   written_.clear();
   missing_.clear();
+  keys_.reset();
   return true;
 }
 

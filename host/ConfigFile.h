@@ -7,6 +7,7 @@
 #include <ov_sdk.h>
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -31,7 +32,8 @@ class ConfigFile {
 
   const std::string& devicePath() const { return devicePath_; }
 
-  std::set<std::string> keys();
+  // All keys, in the file or written here. Valid until the next write or save.
+  const std::set<std::string>& keys();
 
   // The value of `key`, written here or found in the file; null when there is none. Valid until the
   // next write or save.
@@ -69,6 +71,8 @@ class ConfigFile {
   ConfigEntries fromFile_;
   ConfigEntries written_;
   ConfigEntries missing_;  // counts where nothing else does
+  // Each read of a value with CfgWrapper asks for all keys first.
+  std::optional<std::set<std::string>> keys_;
   std::shared_ptr<const SecretBox> box_;
   std::string clearText_;
 };

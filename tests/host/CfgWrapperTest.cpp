@@ -83,6 +83,19 @@ TEST_F(CfgWrapperTest, ReadsWhatItWroteBeforeItIsSaved) {
   EXPECT_THAT(config.keys(), ElementsAre("a", "b", "c"));
 }
 
+TEST_F(CfgWrapperTest, KnowsEachKeyAsSoonAsItIsWrittenOrSavedByAnother) {
+  save("a", "1");
+  CfgWrapper config(kPath, CfgWrapper::Write);
+  EXPECT_THAT(config.keys(), ElementsAre("a"));
+  WriteString(config.handle, "b", "2");
+  EXPECT_THAT(config.keys(), ElementsAre("a", "b"));
+  WriteSecret(config.handle, "c", "3");
+  EXPECT_THAT(config.keys(), ElementsAre("a", "b", "c"));
+  save("d", "4");
+  config.save();
+  EXPECT_THAT(config.keys(), ElementsAre("a", "b", "c", "d"));
+}
+
 TEST_F(CfgWrapperTest, GivesTheDefaultForAnAbsentKey) {
   save("a", "1");
   const CfgWrapper config(kPath, CfgWrapper::Read);
