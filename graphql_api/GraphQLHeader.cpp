@@ -2,9 +2,14 @@
 
 #include <ov_sdk.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
+
+#include "graphql_api/GraphQLSampleQueue.h"
+#include "graphql_api/Log.h"
 
 std::string deviceModel;
 std::string softwareVersion;
@@ -123,6 +128,27 @@ void setUnlessEmpty(TextMap& output, const char* name, const std::string& value)
   }
 }
 
+const char kSampleApplication[] = "graphql_sample_metadata.app";
+constexpr unsigned int kSampleTaskFlags = 37;
+
+// The log's readers know this text; compilers spell it in different ways.
+const char kAddSampleSignature[] = "void addSample(const char *, const char *)";
+
+bool isEmpty(const char* text) {
+  return text == nullptr || *text == '\0';
+}
+
+void startSampleApplication() {
+  const std::string path = std::string("/ombrel/bin/") + kSampleApplication;
+  if (FindTaskByAppName(path.c_str()) > 0) {
+    return;
+  }
+  const std::unique_ptr<char, decltype(&std::free)> argument(::strdup(path.c_str()), &std::free);
+  char* const arguments[] = {argument.get(), nullptr};
+  NewTask(path.c_str(), arguments, kSampleApplication, kSampleApplication, nullptr,
+          kSampleTaskFlags);
+}
+
 }  // namespace
 
 extern "C" {
@@ -149,6 +175,21 @@ void getBrowserGraphQLHeaders(TextMap* headers, std::string* storeUrl) {
 
 bool isLoggedIn() {
   return GraphQLStorageApi().isLoggedIn();
+}
+
+void addSample(const char* bookId, const char* sampleFilePath) {
+  if (isEmpty(bookId)) {
+    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, kAddSampleSignature,
+                  "Condition: \"bookId && *bookId\", return]");
+    return;
+  }
+  if (isEmpty(sampleFilePath)) {
+    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, kAddSampleSignature,
+                  "Condition: \"sampleFilePath && *sampleFilePath\", return]");
+    return;
+  }
+  graphql::GraphQLSampleQueue().addSample(bookId, sampleFilePath);
+  startSampleApplication();
 }
 
 }  // extern "C"

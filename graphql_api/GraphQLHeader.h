@@ -1,6 +1,7 @@
 // The headers that every request to the store carries, the identity of the device in them, and the
-// same state for the embedded browser. The first header build of the process must not race with
-// another one; later ones may run on any thread that may read the given storage.
+// undecorated functions for programs that need no more than these, or a sample. The first header
+// build of the process must not race with another one; later ones may run on any thread that may
+// read the given storage.
 
 #ifndef GRAPHQL_API_GRAPHQLHEADER_H_
 #define GRAPHQL_API_GRAPHQLHEADER_H_
@@ -31,10 +32,10 @@ std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLS
 
 }  // namespace graphql
 
-// For the device's embedded browser, under undecorated names. Each call reads the store list file
-// and the token file afresh, on the calling thread, so that it sees what another process saved. The
-// objects belong to the caller and are filled in place. What the configuration layer throws reaches
-// the caller.
+// Functions under undecorated names: three for the device's embedded browser, and one for programs
+// that want a sample. Each call for the browser reads the store list file and the token file
+// afresh, on the calling thread, so that it sees what another process saved. The objects belong to
+// the caller and are filled in place. What the configuration layer throws reaches the caller.
 extern "C" {
 
 // Replaces `*cookies`, name to value, by the cookies that show the store's web pages who is signed
@@ -50,6 +51,13 @@ void getBrowserGraphQLHeaders(std::map<std::string, std::string>* headers, std::
 
 // True when an access token is stored, expired or not.
 bool isLoggedIn();
+
+// Queues the request for the sample of the book `bookId`, whose file is `sampleFilePath`, and
+// starts the background application that works through the queue unless a task of it runs. Reads
+// both texts during the call only; either being null or empty is logged, and nothing is done. May
+// wait for the queue's lock (GraphQLSampleQueue). Any thread of any process may call it; two calls
+// at once can both start the application. Tells no outcome.
+void addSample(const char* bookId, const char* sampleFilePath);
 
 }  // extern "C"
 

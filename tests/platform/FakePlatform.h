@@ -108,6 +108,8 @@ class Tasks {
   // What FindTaskByAppName answers.
   int running = 0;
   std::vector<Task> started;
+  // Called when a task is started, if it is set.
+  std::function<void()> onStart;
 };
 
 class Platform {

@@ -124,6 +124,9 @@ int NewTask(const char* path, char* const* arguments, const char* app_name, cons
     task.arguments.emplace_back(*argument);
   }
   platform().tasks.started.push_back(task);
+  if (platform().tasks.onStart) {
+    platform().tasks.onStart();
+  }
   return 100 + static_cast<int>(platform().tasks.started.size());
 }
 

@@ -1,0 +1,41 @@
+// For tests of the queue file, whose path is fixed: a /tmp of the program's own.
+
+#ifndef TESTS_SUPPORT_PRIVATETMP_H_
+#define TESTS_SUPPORT_PRIVATETMP_H_
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+namespace support {
+
+// Gives this process, and those that it starts, a mount namespace of their own with an empty /tmp
+// in memory. Without root it becomes root of a user namespace. Throws std::runtime_error when the
+// system allows neither. Call it before any thread is started.
+inline void enterPrivateTmp() {
+  const auto require = [](bool done, const char* what) {
+    if (!done) {
+      throw std::runtime_error(std::string("no /tmp of its own: ") + what + ": " +
+                               std::strerror(errno));
+    }
+  };
+  const uid_t user = ::getuid();
+  if (user == 0) {
+    require(::unshare(CLONE_NEWNS) == 0, "mount namespace");
+  } else {
+    require(::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0, "user namespace");
+    std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+  }
+  require(::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "private mounts");
+  require(::mount("tmpfs", "/tmp", "tmpfs", 0, "size=300m,mode=1777") == 0, "tmpfs");
+}
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_PRIVATETMP_H_

@@ -1,0 +1,399 @@
+// The sample queue file and the entry point that fills it. The file's path is fixed: the program
+// has a /tmp of its own.
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+#include "graphql_api/GraphQLHeader.h"
+#include "graphql_api/GraphQLSampleQueue.h"
+#include "tests/support/PrivateTmp.h"
+#include "tests/unit/PlatformTest.h"
+
+using graphql::GraphQLSampleQueue;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+namespace {
+
+const char kQueuePath[] = "/tmp/sample.queue";
+const char kApplication[] = "/ombrel/bin/graphql_sample_metadata.app";
+
+using Item = GraphQLSampleQueue::SampleItem;
+
+std::string text(const Item& item) {
+  return item.bookId + "@" + item.sampleFilePath;
+}
+
+class SampleQueueTest : public PlatformTest {
+ protected:
+  SampleQueueTest() {
+    ::rmdir(kQueuePath);
+    ::unlink(kQueuePath);
+    ::umask(022);
+  }
+
+  void fileHolds(const std::string& bytes) {
+    std::ofstream(kQueuePath, std::ios::binary | std::ios::trunc) << bytes;
+  }
+
+  static std::string fileBytes() {
+    std::ifstream file(kQueuePath, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+  }
+
+  // One item in the fake platform's encoding.
+  static std::string encoded(const std::string& bookId, const std::string& path) {
+    return std::to_string(bookId.size()) + ":" + bookId + std::to_string(path.size()) + ":" + path;
+  }
+
+  std::vector<std::string> items() {
+    std::vector<Item> found;
+    EXPECT_EQ(queue.deserializeSampleItems(&found), 0);
+    std::vector<std::string> texts;
+    for (const Item& item : found) {
+      texts.push_back(text(item));
+    }
+    return texts;
+  }
+
+  // The descriptors of this process, by number.
+  static std::size_t openDescriptors() {
+    std::size_t count = 0;
+    DIR* folder = ::opendir("/proc/self/fd");
+    while (::readdir(folder) != nullptr) {
+      ++count;
+    }
+    ::closedir(folder);
+    return count;
+  }
+
+  static bool isLocked() {
+    const int descriptor = ::open(kQueuePath, O_RDONLY | O_CLOEXEC);
+    const bool locked = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0;
+    ::close(descriptor);
+    return locked;
+  }
+
+  GraphQLSampleQueue queue;
+};
+
+}  // namespace
+
+// --- The lock ------------------------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, LockingCreatesAnEmptyFileAndHoldsItAlone) {
+  EXPECT_EQ(queue.lockSampleQueueFile(), 0);
+  EXPECT_EQ(fileBytes(), "");
+  EXPECT_TRUE(isLocked());
+  EXPECT_EQ(queue.unlockSampleQueueFile(), -1);
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, TheFileIsForEveryoneLessTheUmask) {
+  ::umask(027);
+  queue.lockSampleQueueFile();
+  struct stat status = {};
+  ASSERT_EQ(::stat(kQueuePath, &status), 0);
+  EXPECT_EQ(status.st_mode & 07777U, 0750U);
+}
+
+TEST_F(SampleQueueTest, LockingKeepsTheContent) {
+  fileHolds("1:a1:b");
+  queue.lockSampleQueueFile();
+  EXPECT_EQ(fileBytes(), "1:a1:b");
+}
+
+TEST_F(SampleQueueTest, LockingAgainDropsTheFirstLock) {
+  const std::size_t before = openDescriptors();
+  queue.lockSampleQueueFile();
+  EXPECT_EQ(queue.lockSampleQueueFile(), 0);
+  EXPECT_EQ(openDescriptors(), before + 1);
+  queue.unlockSampleQueueFile();
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, UnlockingWithoutALockDoesNothing) {
+  EXPECT_EQ(queue.unlockSampleQueueFile(), -1);
+  EXPECT_EQ(queue.unlockSampleQueueFile(), -1);
+}
+
+TEST_F(SampleQueueTest, DestructionDropsTheLock) {
+  {
+    GraphQLSampleQueue other;
+    other.lockSampleQueueFile();
+    EXPECT_TRUE(isLocked());
+  }
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, TwoObjectsKeepEachOtherOut) {
+  queue.lockSampleQueueFile();
+  std::thread adder([] { GraphQLSampleQueue().addSample("b", "/s"); });
+  // The item can only be there once the lock is dropped.
+  for (int look = 0; look < 100; ++look) {
+    EXPECT_EQ(fileBytes(), "");
+    std::this_thread::yield();
+  }
+  queue.unlockSampleQueueFile();
+  adder.join();
+  EXPECT_THAT(items(), ElementsAre("b@/s"));
+}
+
+TEST_F(SampleQueueTest, AFileThatCannotBeOpenedIsLoggedWithItsErrno) {
+  ASSERT_EQ(::mkdir(kQueuePath, 0755), 0);
+  EXPECT_EQ(queue.lockSampleQueueFile(), 1);
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre("Condition: \"-1 != fd_\", return(\"1\")]Open failed with " +
+                          std::to_string(EISDIR)));
+  EXPECT_EQ(platform().log.at(0).function,
+            "int graphql::GraphQLSampleQueue::lockSampleQueueFile()");
+}
+
+// --- Adding, taking, removing --------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, ItemsComeBackInTheOrderInWhichTheyWereAdded) {
+  queue.addSample("b1", "/s/1");
+  queue.addSample("b2", "/s/2");
+  queue.addSample("b1", "/s/3");
+  EXPECT_EQ(fileBytes(), encoded("b1", "/s/1") + encoded("b2", "/s/2") + encoded("b1", "/s/3"));
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/2", "b1@/s/3"));
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, TheOldestItemIsTakenAndStays) {
+  queue.addSample("b1", "/s/1");
+  queue.addSample("b2", "/s/2");
+  EXPECT_EQ(text(queue.getNextSample()), "b1@/s/1");
+  EXPECT_EQ(text(queue.getNextSample()), "b1@/s/1");
+  EXPECT_THAT(items(), SizeIs(2));
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, RemovingErasesOnlyTheOldestMatch) {
+  queue.addSample("b1", "/s/1");
+  queue.addSample("b2", "/s/2");
+  queue.addSample("b1", "/s/3");
+  EXPECT_EQ(queue.removeSample("b1"), 1);
+  EXPECT_THAT(items(), ElementsAre("b2@/s/2", "b1@/s/3"));
+  EXPECT_FALSE(isLocked());
+}
+
+TEST_F(SampleQueueTest, RemovingAnUnknownBookRewritesTheSameItems) {
+  queue.addSample("b1", "/s/1");
+  platform().calls.clear();
+  EXPECT_EQ(queue.removeSample("B1"), 1);
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1"));
+  EXPECT_THAT(platform().callsOf({"SerializeString"}),
+              ElementsAre("SerializeString b1", "SerializeString /s/1"));
+}
+
+TEST_F(SampleQueueTest, ItemsMayBeEmptyOrHoldAnyBytes) {
+  const std::string bytes("\0\n\xff:9", 5);
+  queue.addSample("", "");
+  queue.addSample(bytes, bytes);
+  EXPECT_THAT(items(), ElementsAre("@", bytes + "@" + bytes));
+  EXPECT_EQ(queue.removeSample(""), 1);
+  EXPECT_THAT(items(), ElementsAre(bytes + "@" + bytes));
+}
+
+TEST_F(SampleQueueTest, AnEmptyQueueGivesAnEmptyItemAndLeavesAnEmptyFile) {
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  struct stat status = {};
+  ASSERT_EQ(::stat(kQueuePath, &status), 0);
+  EXPECT_EQ(status.st_size, 0);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  EXPECT_THAT(platform().log, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, ReadingAppendsToTheVector) {
+  fileHolds(encoded("b", "/s"));
+  std::vector<Item> found{{"old", "item"}};
+  queue.deserializeSampleItems(&found);
+  ASSERT_THAT(found, SizeIs(2));
+  EXPECT_EQ(text(found[0]), "old@item");
+  EXPECT_EQ(text(found[1]), "b@/s");
+}
+
+TEST_F(SampleQueueTest, WritingReplacesTheFile) {
+  fileHolds(std::string(1000, 'x'));
+  EXPECT_EQ(queue.serializeSampleItems({{"b", "/s"}}), 0);
+  EXPECT_EQ(fileBytes(), encoded("b", "/s"));
+  EXPECT_EQ(queue.serializeSampleItems({}), 0);
+  EXPECT_EQ(fileBytes(), "");
+}
+
+// --- Without the lock ----------------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, WithoutTheLockNothingIsAdded) {
+  ASSERT_EQ(::mkdir(kQueuePath, 0755), 0);
+  queue.addSample("b", "/s");
+  EXPECT_EQ(platform().logTexts(kFailureLevel).at(1),
+            "Condition: \"lockSampleQueueFile()\", return]");
+  EXPECT_THAT(platform().callsOf({"SerializeString", "DeserializeString"}), IsEmpty());
+}
+
+TEST_F(SampleQueueTest, WithoutTheLockTakingAndRemovingGoOn) {
+  ASSERT_EQ(::mkdir(kQueuePath, 0755), 0);
+  const std::size_t before = openDescriptors();
+  EXPECT_EQ(queue.removeSample("b"), 1);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_THAT(platform().logTexts(kFailureLevel), SizeIs(2));
+}
+
+TEST_F(SampleQueueTest, ADanglingLinkIsFollowedWhereItCanBe) {
+  ASSERT_EQ(::symlink("/tmp/nowhere/sample.queue", kQueuePath), 0);
+  queue.addSample("b", "/s");
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  EXPECT_THAT(platform().logTexts(kFailureLevel), SizeIs(3));
+}
+
+// --- Damage --------------------------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, ATruncatedItemIsLoggedAndAppendedWithWhatWasRead) {
+  fileHolds(encoded("b1", "/s/1") + "2:b2");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/1"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre("Condition: \"0 == err\", return(\"-1\")]"));
+}
+
+TEST_F(SampleQueueTest, DamageBehindGoodItemsNeverLosesThem) {
+  fileHolds(encoded("b1", "/s/1") + "garbage");
+  queue.addSample("b2", "/s/2");
+  const std::vector<std::string> found = items();
+  ASSERT_GE(found.size(), 2U);
+  EXPECT_EQ(found.front(), "b1@/s/1");
+  EXPECT_EQ(found.back(), "b2@/s/2");
+}
+
+TEST_F(SampleQueueTest, AnItemThatCannotBeReadIsTakenWithWhatWasRead) {
+  fileHolds("2:b1");
+  EXPECT_EQ(text(queue.getNextSample()), "b1@");
+  EXPECT_THAT(platform().logTexts(kFailureLevel), SizeIs(1));
+}
+
+TEST_F(SampleQueueTest, ADecoderThatGivesUpWithoutReadingEndsTheLoop) {
+  fileHolds(encoded("b1", "/s/1"));
+  platform().failAt("DeserializeString");
+  EXPECT_THAT(items(), ElementsAre("@"));
+}
+
+TEST_F(SampleQueueTest, AnItemThatCannotBeWrittenIsLeftOut) {
+  platform().failAt("SerializeString", 4);
+  EXPECT_EQ(queue.serializeSampleItems({{"b1", "/s/1"}, {"b2", "/s/2"}, {"b3", "/s/3"}}), 0);
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b3@/s/3"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre("Condition: \"0 == err\", return(\"-1\")]"));
+}
+
+TEST_F(SampleQueueTest, OneItemIsWrittenAndReadAlone) {
+  std::ostringstream out;
+  EXPECT_EQ(queue.serializeSampleItem({"b", "/s"}, out), 0);
+  std::istringstream in(out.str());
+  Item item;
+  EXPECT_EQ(queue.deserializeSampleItem(in, &item), 0);
+  EXPECT_EQ(text(item), "b@/s");
+}
+
+TEST_F(SampleQueueTest, AFailedFirstStringKeepsTheSecondFromBeingTried) {
+  std::ostringstream out;
+  platform().failAt("SerializeString");
+  EXPECT_EQ(queue.serializeSampleItem({"b", "/s"}, out), -1);
+  EXPECT_EQ(out.str(), "");
+  std::istringstream in("1:b2:/s");
+  Item item;
+  platform().failAt("DeserializeString");
+  EXPECT_EQ(queue.deserializeSampleItem(in, &item), -1);
+  EXPECT_THAT(platform().callsOf({"SerializeString", "DeserializeString"}), SizeIs(2));
+}
+
+TEST_F(SampleQueueTest, AnExceptionOfTheEncodingDropsTheLock) {
+  platform().throwAt("SerializeString");
+  EXPECT_THROW(queue.addSample("b", "/s"), fake::Failure);
+  EXPECT_FALSE(isLocked());
+}
+
+// --- The entry point -----------------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, ARequestIsQueuedAndTheApplicationStarted) {
+  addSample("b1", "/s/1");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1"));
+  EXPECT_THAT(platform().callsOf({"FindTaskByAppName", "NewTask"}),
+              ElementsAre(std::string("FindTaskByAppName ") + kApplication,
+                          std::string("NewTask ") + kApplication));
+  const fake::Task& task = platform().tasks.started.at(0);
+  EXPECT_THAT(task.arguments, ElementsAre(kApplication));
+  EXPECT_EQ(task.appName, "graphql_sample_metadata.app");
+  EXPECT_EQ(task.name, "graphql_sample_metadata.app");
+  EXPECT_EQ(task.reserved, nullptr);
+  EXPECT_EQ(task.flags, 37U);
+}
+
+TEST_F(SampleQueueTest, ARunningApplicationIsLeftToFindTheItem) {
+  platform().tasks.running = 12;
+  addSample("b1", "/s/1");
+  addSample("b1", "/s/1");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b1@/s/1"));
+  EXPECT_THAT(platform().tasks.started, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, ANegativeAnswerMeansThatNoApplicationRuns) {
+  platform().tasks.running = -1;
+  addSample("b1", "/s/1");
+  EXPECT_THAT(platform().tasks.started, SizeIs(1));
+}
+
+TEST_F(SampleQueueTest, ARequestWithoutABookIsRefusedFirst) {
+  addSample(nullptr, nullptr);
+  addSample("", "/s");
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre("Condition: \"bookId && *bookId\", return]",
+                          "Condition: \"bookId && *bookId\", return]"));
+  EXPECT_EQ(platform().log.at(0).function, "void addSample(const char *, const char *)");
+  EXPECT_THAT(platform().callsOf({"FindTaskByAppName", "NewTask"}), IsEmpty());
+  EXPECT_NE(::access(kQueuePath, F_OK), 0);
+}
+
+TEST_F(SampleQueueTest, ARequestWithoutAFileIsRefused) {
+  addSample("b", nullptr);
+  addSample("b", "");
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre("Condition: \"sampleFilePath && *sampleFilePath\", return]",
+                          "Condition: \"sampleFilePath && *sampleFilePath\", return]"));
+  EXPECT_EQ(platform().log.at(0).function, "void addSample(const char *, const char *)");
+  EXPECT_NE(::access(kQueuePath, F_OK), 0);
+}
+
+TEST_F(SampleQueueTest, TheApplicationIsStartedEvenIfTheQueueCannotBeLocked) {
+  ASSERT_EQ(::mkdir(kQueuePath, 0755), 0);
+  addSample("b", "/s");
+  EXPECT_THAT(platform().tasks.started, SizeIs(1));
+}
+
+TEST_F(SampleQueueTest, NoDescriptorOfTheQueueIsOpenWhenTheApplicationIsStarted) {
+  const std::size_t before = openDescriptors();
+  std::size_t atStart = 0;
+  platform().tasks.onStart = [&] { atStart = openDescriptors(); };
+  addSample("b", "/s");
+  EXPECT_EQ(atStart, before);
+}
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  if (!::testing::GTEST_FLAG(list_tests)) {
+    support::enterPrivateTmp();
+  }
+  return RUN_ALL_TESTS();
+}
