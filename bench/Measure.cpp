@@ -3,10 +3,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include <json/json.h>
 
@@ -22,7 +24,7 @@ const char kUsage[] = "usage: PROGRAM ROW COUNT|cold";
   std::string now = std::to_string(Clock::now().time_since_epoch().count());
   char* arguments[] = {argv[0], argv[1], start, &now[0], nullptr};
   ::execv("/proc/self/exe", arguments);
-  throw std::runtime_error(std::string("cannot start afresh: ") + std::strerror(errno));
+  throw std::system_error(errno, std::generic_category(), "cannot start afresh");
 }
 
 Plan planOf(int argc, char** argv) {

@@ -2,8 +2,10 @@
 // transfer is played: this program defines the runner itself, which answers at once.
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
@@ -128,9 +130,7 @@ void load8Stores(benchmark::State& state) {
 }
 BENCHMARK(load8Stores);
 
-}  // namespace
-
-int main(int argc, char** argv) {
+void run(int argc, char** argv) {
   const TemporaryRoot root;
   playedAnswer.status = 200;
   playedAnswer.body = textOfFile(BENCH_ANSWERS_FOLDER "/discovery.json");
@@ -140,5 +140,16 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
-  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    run(argc, argv);
+    return 0;
+  } catch (const std::exception& failure) {
+    std::cerr << argv[0] << ": " << failure.what() << "\n";
+    return 1;
+  }
 }

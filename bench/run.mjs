@@ -16,7 +16,7 @@ import { pathOf, recordRequest, startNginx } from './server.mjs';
 import { compare } from './statistics.mjs';
 
 // Enough pairs for a spread that is worth telling, and then more until it is small or time is up.
-const kThorough = { fewestPairs: 20, mostPairs: 400, seconds: 20, spread: 0.01, partSeconds: 0.5 };
+const kThorough = { fewestPairs: 20, mostPairs: 400, seconds: 12, spread: 0.01, partSeconds: 0.5 };
 const kQuick = { fewestPairs: 2, mostPairs: 2, seconds: 1, spread: 1, partSeconds: 0.01 };
 
 const kPrograms = ['library', 'bare'];

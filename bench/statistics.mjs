@@ -8,16 +8,14 @@ export function quantile(values, share) {
 
 export const median = (values) => quantile(values, 0.5);
 
-// Of paired times: the ratio of the medians, and how far the ratios of the middle half of the pairs
-// lie apart.
+// Of paired times: the medians, the median of the pairs' ratios, which a change in the machine's load
+// half-way does not move, and the quartiles of those ratios.
 export function compare(pairs) {
-  const library = median(pairs.map((pair) => pair.library));
-  const bare = median(pairs.map((pair) => pair.bare));
   const ratios = pairs.map((pair) => pair.library / pair.bare);
   return {
-    library,
-    bare,
-    ratio: library / bare,
+    library: median(pairs.map((pair) => pair.library)),
+    bare: median(pairs.map((pair) => pair.bare)),
+    ratio: median(ratios),
     quartiles: [quantile(ratios, 0.25), quantile(ratios, 0.75)],
     pairs: pairs.length,
   };
