@@ -43,13 +43,17 @@ namespace {
 
 const char kFolderTemplate[] = "graphql-api-parts-XXXXXX";
 
-// The device's root for this process: a folder in memory where there is one.
+// The device's root for this process: in the folder BENCH_FOLDER, which who gave it removes also
+// when this process is killed, else in memory where there is such a folder.
 class TemporaryRoot {
  public:
   TemporaryRoot() {
+    const char* given = std::getenv("BENCH_FOLDER");  // NOLINT(concurrency-mt-unsafe)
     const bool hasMemory = std::filesystem::is_directory("/dev/shm");
-    path_ = (hasMemory ? "/dev/shm/" : std::filesystem::temp_directory_path().string() + "/") +
-            std::string(kFolderTemplate);
+    path_ = (given != nullptr ? given
+             : hasMemory      ? "/dev/shm"
+                              : std::filesystem::temp_directory_path().string()) +
+            "/" + kFolderTemplate;
     if (::mkdtemp(&path_[0]) == nullptr || ::setenv("ORVANE_ROOT", path_.c_str(), 1) != 0) {
       throw std::runtime_error("cannot make the folder " + path_);
     }

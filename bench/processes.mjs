@@ -5,21 +5,34 @@ import { promisify } from 'node:util';
 // The last processor that this process may use: server and clients share it, so that neither is
 // faster for the other's work being done elsewhere.
 export function lastProcessor() {
-  const [, allowed] = /^Cpus_allowed_list:\s*(\S+)$/m.exec(readFileSync('/proc/self/status', 'utf8'));
+  const status = readFileSync('/proc/self/status', 'utf8');
+  const [, allowed] = /^Cpus_allowed_list:\s*(\S+)$/m.exec(status);
   return allowed.split(/[-,]/).at(-1);
 }
+
+const running = new Set();
 
 // Runs a program to its end on one processor. Resolves to what it printed; rejects with its command
 // and its messages when it fails or takes longer than `seconds`.
 export async function run(program, parameters, { env, processor, seconds = 60 } = {}) {
   const command = processor === undefined ? [] : ['taskset', '-c', processor];
   const [file, ...rest] = [...command, program, ...parameters];
-  const { stdout } = await promisify(execFile)(file, rest, {
+  const ended = promisify(execFile)(file, rest, {
     env: { ...process.env, ...env },
     timeout: seconds * 1000,
     maxBuffer: 1 << 24,
   });
-  return stdout;
+  running.add(ended.child);
+  try {
+    return (await ended).stdout;
+  } finally {
+    running.delete(ended.child);
+  }
+}
+
+// Kills what run() waits for, at once.
+export function killRunning() {
+  for (const child of running) child.kill('SIGKILL');
 }
 
 // Starts a program that goes on. Resolves to a function that ends it and waits for that.

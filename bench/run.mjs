@@ -1,5 +1,5 @@
-// Runs the benchmarks (scripts/bench builds them first): the parts, then each case, the two programs
-// in turn on the server's processor.
+// Runs the benchmarks (scripts/bench builds them first): the parts, then each case, the two
+// programs in turn on the server's processor.
 // Usage: node run.mjs PROGRAMS-FOLDER RESULTS-FOLDER HOST [--quick] [--only TEXT]
 
 import { deepStrictEqual } from 'node:assert';
@@ -10,7 +10,7 @@ import { parseArgs } from 'node:util';
 
 import { cases, nameOf } from './cases.mjs';
 import { makeCertificates } from './certificates.mjs';
-import { lastProcessor, run } from './processes.mjs';
+import { killRunning, lastProcessor, run } from './processes.mjs';
 import { printComparison, printParts, writeFiles } from './report.mjs';
 import { pathOf, recordRequest, startNginx } from './server.mjs';
 import { compare } from './statistics.mjs';
@@ -87,7 +87,8 @@ class Bench {
   async measureParts() {
     const parameters = ['--benchmark_format=json', `--benchmark_min_time=${this.effort.partSeconds}`];
     const { processor } = this;
-    const report = JSON.parse(await run(this.paths.parts, parameters, { processor, seconds: 120 }));
+    const env = { BENCH_FOLDER: this.folder };
+    const report = JSON.parse(await run(this.paths.parts, parameters, { env, processor, seconds: 120 }));
     return report.benchmarks.map(({ name, cpu_time: nanoseconds }) => ({ name, nanoseconds }));
   }
 
@@ -123,6 +124,7 @@ class Bench {
   }
 
   endAtOnce() {
+    killRunning();
     this.nginx?.kill();
     rmSync(this.folder, { recursive: true, force: true });
   }
