@@ -48,7 +48,7 @@ const char kFolderTemplate[] = "graphql-api-parts-XXXXXX";
 class TemporaryRoot {
  public:
   TemporaryRoot() {
-    const char* given = std::getenv("BENCH_FOLDER");  // NOLINT(concurrency-mt-unsafe)
+    const char* given = std::getenv("BENCH_FOLDER");
     const bool hasMemory = std::filesystem::is_directory("/dev/shm");
     path_ = (given != nullptr ? given
              : hasMemory      ? "/dev/shm"

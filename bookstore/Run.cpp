@@ -30,7 +30,7 @@ class DryRunScope {
 };
 
 void changeSetting(const host::Setting& setting, const std::string& value) {
-  ::setenv(setting.name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+  ::setenv(setting.name, value.c_str(), 1);
 }
 
 // The person's own settings stand where they ask for more.

@@ -45,7 +45,6 @@ std::size_t displayWidth(const std::string& text) {
   mbstate_t state = {};
   for (std::size_t at = 0; at < text.size();) {
     wchar_t character = 0;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): it has a state of its own here
     const std::size_t length = ::mbrtowc(&character, &text[at], text.size() - at, &state);
     if (length == 0 || length > text.size() - at) {  // NUL, or (size_t)-1 and -2 for no character
       state = mbstate_t();

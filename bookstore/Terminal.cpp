@@ -8,7 +8,7 @@ namespace bookstore {
 namespace {
 
 std::string environmentText(const char* name) {
-  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+  const char* value = std::getenv(name);
   return value == nullptr ? std::string() : std::string(value);
 }
 

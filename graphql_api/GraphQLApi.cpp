@@ -38,14 +38,14 @@ class ClassicNumbers {
       return;
     }
     // A locale without a name leaves the C locale alone; the way back does not.
-    previousC_ = std::setlocale(LC_ALL, nullptr);  // NOLINT(concurrency-mt-unsafe)
+    previousC_ = std::setlocale(LC_ALL, nullptr);
     std::locale::global(std::locale(previous_, new std::numpunct<char>));
   }
 
   ~ClassicNumbers() {
     if (!previousC_.empty()) {
       std::locale::global(previous_);
-      std::setlocale(LC_ALL, previousC_.c_str());  // NOLINT(concurrency-mt-unsafe)
+      std::setlocale(LC_ALL, previousC_.c_str());
     }
   }
 

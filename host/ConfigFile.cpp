@@ -34,7 +34,7 @@ bool isSameFile(const std::string& first, const std::string& second) {
 // Keeps the file at `path` under a free name beside it. Returns the name, or nothing with errno.
 std::string linkDamaged(const std::string& path) {
   for (int number = 0; number < kMaxDamagedFiles; ++number) {
-    const std::string kept = damagedPath(path, number);
+    std::string kept = damagedPath(path, number);
     if (::link(path.c_str(), kept.c_str()) == 0) {
       return kept;
     }

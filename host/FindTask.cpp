@@ -73,8 +73,8 @@ bool isOfThisRoot(const std::string& process) {
 
 class Application {
  public:
-  explicit Application(const std::string& path) : path_(path) {
-    exists_ = ::stat(path.c_str(), &status_) == 0 && S_ISREG(status_.st_mode);
+  explicit Application(const std::string& path)
+      : path_(path), exists_(::stat(path.c_str(), &status_) == 0 && S_ISREG(status_.st_mode)) {
     if (exists_) {
       readInterpreterLine();
     }
@@ -130,7 +130,7 @@ class Application {
 
   std::string path_;
   struct stat status_ = {};
-  bool exists_ = false;
+  const bool exists_;
   std::string interpreter_;  // empty: no script
   std::string argument_;
 };
@@ -145,7 +145,7 @@ int FindTaskByAppName(const char* path) {
   const std::unique_ptr<DIR, int (*)(DIR*)> processes(
       application.exists() ? ::opendir("/proc") : nullptr, ::closedir);
   while (const dirent* entry = processes ? ::readdir(processes.get()) : nullptr) {
-    const int number = std::atoi(entry->d_name);
+    const int number = static_cast<int>(std::strtol(entry->d_name, nullptr, 10));
     if (number > 0 && application.isRunBy(std::string("/proc/") + entry->d_name)) {
       return number;
     }

@@ -20,8 +20,6 @@
 #include "host/Settings.h"
 #include "host/WholeFile.h"
 
-extern char** environ;
-
 namespace {
 
 const int kFirstOwnDescriptor = 3;
@@ -196,7 +194,7 @@ int NewTask(const char* path, char* const* arguments, const char*, const char*, 
   start.report = report.get();
   start.nothing = nothing.get();
 
-  pid_t goBetween;
+  pid_t goBetween = -1;
   {
     const AllSignalsBlocked blocked;
     goBetween = ::fork();

@@ -11,7 +11,7 @@ namespace utilities {
 namespace {
 
 // A length is only believed as far as the bytes behind it are there.
-const std::size_t kPieceBytes = 64 * 1024;
+const std::size_t kPieceBytes = 65536;
 
 bool readBytes(std::istream& in, char* bytes, std::size_t length) {
   in.read(bytes, static_cast<std::streamsize>(length));

@@ -36,12 +36,12 @@ HttpTest::HttpTest() {
 
 HttpTest::~HttpTest() {
   for (const std::string& name : names_) {
-    ::unsetenv(name.c_str());  // NOLINT(concurrency-mt-unsafe)
+    ::unsetenv(name.c_str());
   }
 }
 
 void HttpTest::set(const std::string& name, const std::string& value) {
-  ::setenv(name.c_str(), value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+  ::setenv(name.c_str(), value.c_str(), 1);
   names_.push_back(name);
 }
 
