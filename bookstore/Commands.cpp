@@ -1,5 +1,7 @@
 #include "bookstore/Commands.h"
 
+#include "bookstore/Password.h"
+
 namespace bookstore {
 
 namespace {
@@ -15,6 +17,23 @@ Option required(const std::string& name, const std::string& value, const std::st
 Option requiredChoice(const std::string& name, const std::string& value,
                       const std::vector<std::string>& choices, const std::string& description) {
   return {name, "", value, choices, true, description};
+}
+
+Option storeOption() {
+  return {"--store", "",    "ID",
+          {},        false, "The store; without it the current one, or the only one known"};
+}
+
+Option emailOption() {
+  return required("--email", "ADDRESS", "The customer's e-mail address");
+}
+
+// The options, and after them those that say where the password comes from.
+std::vector<Option> withPassword(std::vector<Option> options) {
+  for (const Option& option : passwordOptions()) {
+    options.push_back(option);
+  }
+  return options;
 }
 
 }  // namespace
@@ -39,6 +58,46 @@ const std::vector<Command>& commands() {
        Sends::Never,
        {},
        runStatus},
+      {"register", "Register a customer at a store; does not sign in", Sends::Always,
+       withPassword({storeOption(), emailOption(),
+                     required("--first-name", "NAME", "The customer's first name"),
+                     required("--last-name", "NAME", "The customer's last name"),
+                     flag("--subscribe", "Order the store's newsletter, too")}),
+       runRegister},
+      {"sign-in", "Sign the customer in to a store", Sends::Always,
+       withPassword({storeOption(), emailOption()}), runSignIn},
+      {"whoami", "Ask the store who is signed in", Sends::Always, {storeOption()}, runWhoami},
+      {"refresh",
+       "Buy new tokens for the refresh token",
+       Sends::Always,
+       {storeOption()},
+       runRefresh},
+      {"sign-out", "Forget the customer's tokens", Sends::Never, {}, runSignOut},
+      {"email-available",
+       "Ask a store whether an address may still be registered",
+       Sends::Always,
+       {storeOption(), emailOption()},
+       runEmailAvailable},
+      {"reset-password",
+       "Have a store mail a link with which the customer sets a new password",
+       Sends::Always,
+       {storeOption(), emailOption()},
+       runResetPassword},
+      {"cookies",
+       "Show the cookies with which a browser is the signed-in customer",
+       Sends::Never,
+       {{"--format",
+         "",
+         "FORMAT",
+         {"table", "json", "netscape"},
+         false,
+         "How to print them; netscape is a cookie file for other programs"}},
+       runCookies},
+      {"open",
+       "Start a browser in which the customer is signed in, and wait until it is closed",
+       Sends::Never,
+       {},
+       runOpen},
   };
   return table;
 }

@@ -8,9 +8,18 @@
 
 namespace bookstore {
 
+void runCookies(Context& context);
+void runEmailAvailable(Context& context);
 void runHeaders(Context& context);
+void runOpen(Context& context);
+void runRefresh(Context& context);
+void runRegister(Context& context);
+void runResetPassword(Context& context);
+void runSignIn(Context& context);
+void runSignOut(Context& context);
 void runStatus(Context& context);
 void runStores(Context& context);
+void runWhoami(Context& context);
 
 }  // namespace bookstore
 

@@ -4,6 +4,7 @@
 #ifndef BOOKSTORE_DEVICEFILES_H_
 #define BOOKSTORE_DEVICEFILES_H_
 
+#include <chrono>
 #include <string>
 
 namespace bookstore {
@@ -12,8 +13,14 @@ namespace bookstore {
 std::string storeListFile();
 std::string tokenFile();
 
+// The second one as the device names it.
+extern const char kTokenFileOnDevice[];
+
 // Whether there is a file at `path`. Throws Failure when that cannot be seen.
 bool fileExists(const std::string& path);
+
+// How long ago the file at `path` was changed; 0 for one from the future. Throws Failure as above.
+std::chrono::seconds timeSinceChange(const std::string& path);
 
 }  // namespace bookstore
 

@@ -1,5 +1,3 @@
-#include <algorithm>
-#include <iterator>
 #include <map>
 #include <string>
 
@@ -7,6 +5,7 @@
 
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
+#include "bookstore/StoreChoice.h"
 #include "bookstore/Table.h"
 #include "graphql_api/GraphQLHeader.h"
 
@@ -17,42 +16,6 @@ namespace bookstore {
 namespace {
 
 using StoreInfo = GraphQLStorageApi::StoreInfo;
-using StoreInfoList = GraphQLStorageApi::StoreInfoList;
-
-std::string listOf(const StoreInfoList& stores) {
-  std::string list;
-  for (const StoreInfo& store : stores) {
-    list += (list.empty() ? "" : ", ") + store.providerID + " (" + store.storeCode + ")";
-  }
-  return list;
-}
-
-StoreInfoList storesWith(const StoreInfoList& stores, std::string StoreInfo::*member,
-                         const std::string& text) {
-  StoreInfoList found;
-  std::copy_if(stores.begin(), stores.end(), std::back_inserter(found),
-               [&](const StoreInfo& store) { return store.*member == text; });
-  return found;
-}
-
-StoreInfo findStore(const StoreInfoList& stores, const std::string& id) {
-  if (stores.empty()) {
-    throw noStoreKnown();
-  }
-  StoreInfoList found = storesWith(stores, &StoreInfo::providerID, id);
-  if (found.empty()) {
-    found = storesWith(stores, &StoreInfo::storeCode, id);
-  }
-  if (found.empty()) {
-    throw Failure(kNoSession, "no known store has the ID or the code '" + id + "'",
-                  "one of " + listOf(stores));
-  }
-  if (found.size() > 1) {
-    throw Failure(kUsage, "'" + id + "' means more than one store",
-                  "an ID or a code of its own: " + listOf(found));
-  }
-  return found.front();
-}
 
 // The row of this command in the table allows these names only.
 GraphQLStorageApi::TokenType tokenTypeOf(const std::string& name) {

@@ -35,6 +35,14 @@ void Output::printJson(Json::Value document) {
   terminal_.out << '\n';
 }
 
+void Output::printResult(const std::string& line, const Json::Value& document) {
+  if (isJson_) {
+    printJson(document);
+  } else {
+    print(host::visibleText(line) + "\n");
+  }
+}
+
 void Output::note(const std::string& text) {
   printMessage(text);
 }

@@ -34,6 +34,10 @@ class Output {
   // ASCII: other characters are escaped.
   void printJson(Json::Value document);
 
+  // Prints one line for people, whose control characters become escapes, or `document` for
+  // programs.
+  void printResult(const std::string& line, const Json::Value& document);
+
   // One line that does not change the exit code.
   void note(const std::string& text);
   // One line: what failed and what to try.

@@ -18,4 +18,8 @@ void FailureListener::throwIfAny(const std::string& url) const {
   }
 }
 
+bool FailureListener::heardOfStatus(int status) const {
+  return heard_ == std::make_pair(0, status);
+}
+
 }  // namespace bookstore

@@ -94,7 +94,7 @@ TEST_F(ProgramTest, EndsWithTheUsageCodeAndAMessageOnStandardError) {
 
 TEST_F(ProgramTest, PrintsDataToStandardOutput) {
   EXPECT_EQ(shell("$bookstore status 2>/dev/null"), bookstore::kDone);
-  EXPECT_THAT(printed, HasSubstr("Root folder       " + root.path() + "\n"));
+  EXPECT_THAT(printed, HasSubstr("Root folder         " + root.path() + "\n"));
 }
 
 TEST_F(ProgramTest, ReportsAStoreThatDoesNotAnswer) {

@@ -1,7 +1,11 @@
+#include <chrono>
+#include <filesystem>
+
 #include "tests/bookstore/BookstoreTest.h"
 
 using bookstore_tests::store;
 using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
 
 namespace {
 
@@ -14,19 +18,21 @@ class StatusCommandTest : public bookstore_tests::BookstoreTest {};
 
 TEST_F(StatusCommandTest, ShowsAFreshDevice) {
   EXPECT_EQ(run({"status"}), bookstore::kDone);
-  EXPECT_THAT(out, HasSubstr("Root folder       " + root.path() + "\n"));
-  EXPECT_THAT(out, HasSubstr("Store list file   " + root.at(kStoreListPath) + " (missing)\n"));
-  EXPECT_THAT(out, HasSubstr("Token file        " + root.at(kTokenPath) + " (missing)\n"));
-  EXPECT_THAT(out, HasSubstr("Stores            0\n"));
-  EXPECT_THAT(out, HasSubstr("Current store     none\n"));
-  EXPECT_THAT(out, HasSubstr("Signed in         no\n"));
-  EXPECT_THAT(out, HasSubstr("Store generation  3\n"));
-  EXPECT_THAT(out, HasSubstr("Discovery         https://"));
-  EXPECT_THAT(out, HasSubstr("Device model      eink 417\n"));
-  EXPECT_THAT(out, HasSubstr("Software version  3.2.105\n"));
-  EXPECT_THAT(out, HasSubstr("Serial number     SN0001\n"));
+  EXPECT_THAT(out, HasSubstr("Root folder         " + root.path() + "\n"));
+  EXPECT_THAT(out, HasSubstr("Store list file     " + root.at(kStoreListPath) + " (missing)\n"));
+  EXPECT_THAT(out, HasSubstr("Token file          " + root.at(kTokenPath) + " (missing)\n"));
+  EXPECT_THAT(out, HasSubstr("Stores              0\n"));
+  EXPECT_THAT(out, HasSubstr("Current store       none\n"));
+  EXPECT_THAT(out, HasSubstr("Signed in           no\n"));
+  EXPECT_THAT(out, HasSubstr("Token lifetime      not told\n"));
+  EXPECT_THAT(out, HasSubstr("Token file changed  never\n"));
+  EXPECT_THAT(out, HasSubstr("Store generation    3\n"));
+  EXPECT_THAT(out, HasSubstr("Discovery           https://"));
+  EXPECT_THAT(out, HasSubstr("Device model        eink 417\n"));
+  EXPECT_THAT(out, HasSubstr("Software version    3.2.105\n"));
+  EXPECT_THAT(out, HasSubstr("Serial number       SN0001\n"));
   EXPECT_THAT(out,
-              HasSubstr("User agent        Orvane Reader/417(screen 1200x1600; FW 3.2.105)\n"));
+              HasSubstr("User agent          Orvane Reader/417(screen 1200x1600; FW 3.2.105)\n"));
 }
 
 TEST_F(StatusCommandTest, ShowsFilesStoresAndSession) {
@@ -37,9 +43,10 @@ TEST_F(StatusCommandTest, ShowsFilesStoresAndSession) {
   EXPECT_EQ(run({"status"}), bookstore::kDone);
   EXPECT_THAT(out, HasSubstr(root.at(kStoreListPath) + "\n"));
   EXPECT_THAT(out, HasSubstr(root.at(kTokenPath) + "\n"));
-  EXPECT_THAT(out, HasSubstr("Stores            2\n"));
-  EXPECT_THAT(out, HasSubstr("Current store     The Reading Room (uk)\n"));
-  EXPECT_THAT(out, HasSubstr("Signed in         yes\n"));
+  EXPECT_THAT(out, HasSubstr("Stores              2\n"));
+  EXPECT_THAT(out, HasSubstr("Current store       The Reading Room (uk)\n"));
+  EXPECT_THAT(out, HasSubstr("Signed in           yes\n"));
+  EXPECT_THAT(out, HasSubstr("Token lifetime      3600 (as the store told it, in seconds)\n"));
 }
 
 TEST_F(StatusCommandTest, GivesProgramsTheSame) {
@@ -57,6 +64,8 @@ TEST_F(StatusCommandTest, GivesProgramsTheSame) {
   EXPECT_EQ(status["storeCount"].asUInt(), 1u);
   EXPECT_EQ(status["currentStore"], "de");
   EXPECT_EQ(status["signedIn"], true);
+  EXPECT_EQ(status["tokenLifetime"], "3600");
+  EXPECT_TRUE(status["secondsSinceTokenFileChanged"].isIntegral());
   EXPECT_EQ(status["storeGeneration"], 3);
   EXPECT_THAT(status["discoveryUrl"].asString(), HasSubstr("/graphql"));
   EXPECT_EQ(status["device"]["model"], "eink 417");
@@ -65,10 +74,26 @@ TEST_F(StatusCommandTest, GivesProgramsTheSame) {
   EXPECT_THAT(status["device"]["userAgent"].asString(), HasSubstr("Orvane Reader/417"));
 }
 
-TEST_F(StatusCommandTest, GivesProgramsNullWithoutACurrentStore) {
+TEST_F(StatusCommandTest, TellsHowLongTheTokenFileHasNotChanged) {
+  root.put(kTokenPath, "");
+  const auto longAgo = std::filesystem::file_time_type::clock::now() - std::chrono::hours(24 * 365);
+  std::filesystem::last_write_time(root.at(kTokenPath), longAgo);
+  run({"status"});
+  EXPECT_THAT(out, MatchesRegex("(.|\n)*Token file changed  3153[67][0-9]+ s ago\n(.|\n)*"));
+  run({"status", "--json"});
+  EXPECT_GE(json()["secondsSinceTokenFileChanged"].asInt(), 24 * 365 * 3600);
+  const auto inTheFuture = std::filesystem::file_time_type::clock::now() + std::chrono::hours(1);
+  std::filesystem::last_write_time(root.at(kTokenPath), inTheFuture);
+  run({"status"});
+  EXPECT_THAT(out, HasSubstr("Token file changed  0 s ago\n"));
+}
+
+TEST_F(StatusCommandTest, GivesProgramsNullForWhatThereIsNot) {
   run({"status", "--json"});
   EXPECT_TRUE(json().isMember("currentStore"));
   EXPECT_TRUE(json()["currentStore"].isNull());
+  EXPECT_TRUE(json().isMember("secondsSinceTokenFileChanged"));
+  EXPECT_TRUE(json()["secondsSinceTokenFileChanged"].isNull());
 }
 
 TEST_F(StatusCommandTest, NamesAFileThatItCannotLookAt) {

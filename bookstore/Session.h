@@ -1,0 +1,40 @@
+// What the commands that use or change the customer's session share.
+
+#ifndef BOOKSTORE_SESSION_H_
+#define BOOKSTORE_SESSION_H_
+
+#include <optional>
+#include <string>
+
+#include "bookstore/Command.h"
+#include "bookstore/Failure.h"
+#include "host/WholeFile.h"
+
+namespace bookstore {
+
+// Keeps other processes that run a command on the session waiting while the object lives. A save of
+// the token file takes another lock, so that it can happen meanwhile. Used by one thread.
+class SessionLock {
+ public:
+  // Waits for the lock; takes none in a dry run, which changes nothing. Throws Failure when the
+  // lock cannot be had.
+  explicit SessionLock(const Context& context);
+
+ private:
+  std::optional<host::FileLock> lock_;
+};
+
+// Nobody is signed in where somebody has to be.
+Failure notSignedIn();
+
+// Throws Failure unless the token file holds these tokens: the library does not learn whether it
+// was written. `what` is what happened before.
+void requireTokensSaved(const std::string& what, const std::string& accessToken,
+                        const std::string& refreshToken);
+
+// The end of a message of failure: says so when the token file holds no session.
+std::string remainingSession();
+
+}  // namespace bookstore
+
+#endif  // BOOKSTORE_SESSION_H_
