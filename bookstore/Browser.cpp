@@ -110,7 +110,7 @@ std::string compact(const Json::Value& value) {
 }  // namespace
 
 std::string findBrowser() {
-  const char* path = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe)
+  const char* path = std::getenv("PATH");
   for (const char* name : {"chromium", "chromium-browser", "google-chrome"}) {
     std::istringstream folders(path == nullptr ? "" : path);
     for (std::string folder; std::getline(folders, folder, ':');) {
@@ -154,8 +154,11 @@ Browser::~Browser() {
 }
 
 void Browser::start(const std::vector<std::string>& options) {
-  std::vector<std::string> words = {program_, "--user-data-dir=" + profile_.path(),
-                                    "--no-first-run", "--no-default-browser-check",
+  std::vector<std::string> words = {program_,
+                                    "--user-data-dir=" + profile_.path(),
+                                    "--no-first-run",
+                                    "--no-default-browser-check",
+                                    "--disable-background-networking",
                                     "--remote-debugging-pipe"};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> arguments;
