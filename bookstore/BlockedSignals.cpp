@@ -6,7 +6,7 @@ namespace bookstore {
 
 namespace {
 
-sigset_t setOf(std::initializer_list<int> signals) {
+sigset_t setOf(const std::vector<int>& signals) {
   sigset_t set;
   sigemptyset(&set);
   for (const int signal : signals) {
@@ -17,7 +17,7 @@ sigset_t setOf(std::initializer_list<int> signals) {
 
 }  // namespace
 
-BlockedSignals::BlockedSignals(std::initializer_list<int> signals)
+BlockedSignals::BlockedSignals(const std::vector<int>& signals)
     : blocked_(setOf(signals)), before_(), descriptor_(::signalfd(-1, &blocked_, SFD_CLOEXEC)) {
   ::pthread_sigmask(SIG_BLOCK, &blocked_, &before_);
 }

@@ -4,7 +4,7 @@
 #define BOOKSTORE_BLOCKEDSIGNALS_H_
 
 #include <csignal>
-#include <initializer_list>
+#include <vector>
 
 #include "host/WholeFile.h"
 
@@ -14,7 +14,7 @@ namespace bookstore {
 // the object lives. What arrived meanwhile takes effect at its end.
 class BlockedSignals {
  public:
-  explicit BlockedSignals(std::initializer_list<int> signals);
+  explicit BlockedSignals(const std::vector<int>& signals);
   ~BlockedSignals();
 
   BlockedSignals(const BlockedSignals&) = delete;

@@ -162,6 +162,7 @@ void Browser::start(const std::vector<std::string>& options) {
                                     "--remote-debugging-pipe"};
   words.insert(words.end(), options.begin(), options.end());
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }

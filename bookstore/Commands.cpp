@@ -36,10 +36,8 @@ std::vector<Option> withPassword(std::vector<Option> options) {
   return options;
 }
 
-}  // namespace
-
-const std::vector<Command>& commands() {
-  static const std::vector<Command> table = {
+std::vector<Command> stateCommands() {
+  return {
       {"stores",
        "List the regional stores that are kept in the store list file",
        Sends::WithRefresh,
@@ -58,6 +56,11 @@ const std::vector<Command>& commands() {
        Sends::Never,
        {},
        runStatus},
+  };
+}
+
+std::vector<Command> accountCommands() {
+  return {
       {"register", "Register a customer at a store; does not sign in", Sends::Always,
        withPassword({storeOption(), emailOption(),
                      required("--first-name", "NAME", "The customer's first name"),
@@ -83,6 +86,11 @@ const std::vector<Command>& commands() {
        Sends::Always,
        {storeOption(), emailOption()},
        runResetPassword},
+  };
+}
+
+std::vector<Command> browserCommands() {
+  return {
       {"cookies",
        "Show the cookies with which a browser is the signed-in customer",
        Sends::Never,
@@ -99,6 +107,20 @@ const std::vector<Command>& commands() {
        {},
        runOpen},
   };
+}
+
+std::vector<Command> allCommands() {
+  std::vector<Command> all;
+  for (const std::vector<Command>& some : {stateCommands(), accountCommands(), browserCommands()}) {
+    all.insert(all.end(), some.begin(), some.end());
+  }
+  return all;
+}
+
+}  // namespace
+
+const std::vector<Command>& commands() {
+  static const std::vector<Command> table = allCommands();
   return table;
 }
 

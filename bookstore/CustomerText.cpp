@@ -29,8 +29,10 @@ void requireSendable(const std::string& name, const std::string& text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t length = characterLength(text, at);
     if (length == 0) {
-      const std::string fault = text[at] == '\0' ? " holds a NUL" : " is not valid UTF-8";
-      throw Failure(kUsage, "the " + name + fault + " at byte " + std::to_string(at + 1),
+      std::string what = "the " + name;
+      what += text[at] == '\0' ? " holds a NUL" : " is not valid UTF-8";
+      what += " at byte " + std::to_string(at + 1);
+      throw Failure(kUsage, what,
                     "text in UTF-8 without NUL: a request cannot carry another one unchanged");
     }
     at += length;

@@ -56,7 +56,7 @@ StoreInfo chooseStore(const Context& context) {
   if (context.arguments.has("--store")) {
     return findStore(stores, context.arguments.text("--store"));
   }
-  const StoreInfo current = context.storage->currentStore();
+  StoreInfo current = context.storage->currentStore();
   if (current.isValid()) {
     return current;
   }

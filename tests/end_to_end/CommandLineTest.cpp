@@ -58,7 +58,7 @@ class CommandLineTest : public end_to_end::EndToEndTest,
 
   static bool isNewLine() { return std::string(GetParam()) == "new"; }
 
-  Ended run(std::vector<std::string> words, const std::string& input = "") {
+  Ended run(const std::vector<std::string>& words, const std::string& input = "") {
     Ended ended = runQuietly(words, input);
     printed += ended.output;
     return ended;
@@ -173,13 +173,11 @@ TEST_P(CommandLineTest, ARefusedRegistrationIsToldInTheServersWords) {
 
 TEST_P(CommandLineTest, ThePasswordComesFromAnyDescriptor) {
   registerCustomer();
-  EXPECT_EQ(
-      end_to_end::outputOf({"/bin/bash", "-c",
-                            "\"$0\" sign-in --store de_de --email \"$1\" --password-fd 7 7<&0 "
-                            "</dev/null",
-                            BOOKSTORE_PROGRAM, email},
-                           nullptr, std::string(kPassword) + "\n"),
-      "Signed in as " + email + " at Bücherwelt Deutschland (bookstore-de)\n");
+  const char script[] =
+      R"("$0" sign-in --store de_de --email "$1" --password-fd 7 7<&0 </dev/null)";
+  EXPECT_EQ(end_to_end::outputOf({"/bin/bash", "-c", script, BOOKSTORE_PROGRAM, email}, nullptr,
+                                 std::string(kPassword) + "\n"),
+            "Signed in as " + email + " at Bücherwelt Deutschland (bookstore-de)\n");
 }
 
 TEST_P(CommandLineTest, AnExpiredSessionSaysHowToGoOn) {
@@ -291,6 +289,7 @@ class AtTerminal {
   explicit AtTerminal(std::vector<std::string> words) {
     words.insert(words.begin(), BOOKSTORE_PROGRAM);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
       arguments.push_back(word.data());
     }
