@@ -1,0 +1,60 @@
+// The local store service, as a process with a state folder of its own.
+import { createHash, X509Certificate } from 'node:crypto';
+import { readFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { fileURLToPath } from 'node:url';
+
+import { outputOf } from './processes.mjs';
+
+const script = fileURLToPath(new URL('../../scripts/store', import.meta.url));
+const answerMilliseconds = 10000;
+
+export class StoreService {
+  #state;
+  #fields;
+
+  constructor(state) {
+    this.#state = state;
+  }
+
+  async start(line) {
+    const output = await outputOf(script, ['start', '--state', this.#state, '--line', line]);
+    const pairs = output.trimEnd().split('\n');
+    this.#fields = Object.fromEntries(pairs.map((pair) => pair.split(/=(.*)/s).slice(0, 2)));
+  }
+
+  async stop() {
+    await outputOf(script, ['stop', '--state', this.#state]);
+  }
+
+  get port() {
+    return this.#fields.port;
+  }
+
+  get authorityFile() {
+    return this.#fields.ca;
+  }
+
+  // The key that the server shows, as Chromium and curl name one: Base64 of its SHA-256.
+  get keyDigest() {
+    const certificate = new X509Certificate(readFileSync(join(this.#state, 'server.pem')));
+    const key = certificate.publicKey.export({ type: 'spki', format: 'der' });
+    return createHash('sha256').update(key).digest('base64');
+  }
+
+  async forgetRequests() {
+    await this.#control('DELETE', '/requests');
+  }
+
+  // The requests that arrived since they were forgotten last, oldest first.
+  requests() {
+    return this.#control('GET', '/requests');
+  }
+
+  async #control(method, path) {
+    const signal = AbortSignal.timeout(answerMilliseconds);
+    const answer = await fetch(`${this.#fields.control}${path}`, { method, signal });
+    if (!answer.ok) throw new Error(`${method} ${path}: ${await answer.text()}`);
+    return answer.json();
+  }
+}

@@ -1,0 +1,138 @@
+// A small WebDriver client, and the ChromeDriver process that it talks to. ChromeDriver comes from
+// the same Debian source as Chromium, so that the two always fit each other.
+import { spawn } from 'node:child_process';
+import { once } from 'node:events';
+
+import { environmentWith } from './processes.mjs';
+
+const startMilliseconds = 20000;
+const answerMilliseconds = 30000;
+const stopMilliseconds = 5000;
+
+function commandLine({ profile, storePort, keyDigest }) {
+  return [
+    '--headless',
+    '--no-sandbox', // Chromium refuses to run as root with it
+    '--disable-gpu',
+    '--disable-dev-shm-usage',
+    '--disable-quic',
+    '--disable-background-networking',
+    '--disable-component-update',
+    '--disable-sync',
+    '--no-first-run',
+    '--window-size=1000,1100',
+    `--user-data-dir=${profile}`,
+    `--host-resolver-rules=MAP *.bookstore.example 127.0.0.1:${storePort}, MAP * ~NOTFOUND`,
+    `--ignore-certificate-errors-spki-list=${keyDigest}`,
+  ];
+}
+
+function hasEnded({ exitCode, signalCode }) {
+  return exitCode !== null || signalCode !== null;
+}
+
+export class ChromeDriver {
+  #process;
+  #address;
+
+  // `folder` takes everything that driver and browser write.
+  async start(folder) {
+    this.#process = spawn('chromedriver', ['--port=0'], {
+      env: environmentWith({ HOME: folder, TMPDIR: folder, XDG_CONFIG_HOME: folder }),
+      stdio: ['ignore', 'pipe', 'ignore'],
+    });
+    this.#address = `http://127.0.0.1:${await this.#announcedPort()}`;
+  }
+
+  // Rejects when there is no chromedriver, or when it says nothing of a port.
+  #announcedPort() {
+    return new Promise((resolve, reject) => {
+      const fail = (reason) =>
+        reject(new Error(`chromedriver ${reason}; try: apt-get install chromium chromium-driver`));
+      setTimeout(() => fail('told no port in time'), startMilliseconds).unref();
+      this.#process.on('error', (error) => fail(`did not start (${error.message})`));
+      this.#process.on('exit', () => fail('ended'));
+      let said = '';
+      this.#process.stdout.setEncoding('utf8').on('data', (text) => {
+        said += text;
+        const port = /started successfully on port (\d+)/.exec(said)?.[1];
+        if (port) resolve(port);
+      });
+    });
+  }
+
+  async stop() {
+    if (!this.#process?.pid || hasEnded(this.#process)) return;
+    const ended = once(this.#process, 'exit', { signal: AbortSignal.timeout(stopMilliseconds) });
+    this.#process.kill();
+    await ended.catch(() => this.#process.kill('SIGKILL'));
+  }
+
+  // Starts a browser that has never been used; see commandLine() for the options.
+  async open(options) {
+    const { sessionId, capabilities } = await this.command('POST', '/session', {
+      capabilities: {
+        alwaysMatch: {
+          timeouts: { pageLoad: 20000, script: 10000 },
+          'goog:chromeOptions': { args: commandLine(options) },
+        },
+      },
+    });
+    return new Browser(this, sessionId, capabilities['goog:processID']);
+  }
+
+  async command(method, path, body) {
+    const answer = await fetch(`${this.#address}${path}`, {
+      method,
+      body: body && JSON.stringify(body),
+      signal: AbortSignal.timeout(answerMilliseconds),
+    });
+    const { value } = await answer.json();
+    if (!answer.ok) throw new Error(`${method} ${path}: ${value.error}: ${value.message}`);
+    return value;
+  }
+}
+
+class Browser {
+  #driver;
+  #path;
+  #process;
+
+  constructor(driver, session, processId) {
+    this.#driver = driver;
+    this.#path = `/session/${session}`;
+    this.#process = processId;
+  }
+
+  async close() {
+    try {
+      await this.#driver.command('DELETE', this.#path);
+    } catch (error) {
+      process.kill(this.#process, 'SIGKILL');
+      throw error;
+    }
+  }
+
+  // A command of the browser's debugging protocol.
+  devTools(cmd, params) {
+    return this.#post('/goog/cdp/execute', { cmd, params });
+  }
+
+  async visit(url) {
+    await this.#post('/url', { url });
+  }
+
+  // What the script, the body of a function, returns.
+  evaluate(script) {
+    return this.#post('/execute/sync', { script, args: [] });
+  }
+
+  // A PNG picture of what the window shows.
+  async screenshot() {
+    return Buffer.from(await this.#driver.command('GET', `${this.#path}/screenshot`), 'base64');
+  }
+
+  #post(command, body) {
+    return this.#driver.command('POST', `${this.#path}${command}`, body);
+  }
+}
