@@ -1,7 +1,7 @@
 // Who sends a request. Token readers are functions `(token) => caller`: a reader that does not know
 // the token returns undefined, one that knows it as expired or revoked throws a Refusal. More
 // readers (customer tokens) are added where the service is put together.
-import { Category, Reason, Refusal, inputError } from './platformErrors.mjs';
+import { Category, OperationError, Reason, Refusal, inputError } from './platformErrors.mjs';
 
 export const guest = Object.freeze({ kind: 'guest' });
 
@@ -42,6 +42,12 @@ export async function identifyCaller(authorization, tokenReaders, line) {
     if (ignored) return guest;
     throw error;
   }
+}
+
+// Throws for everybody but a signed-in customer.
+export function requireCustomer(caller) {
+  if (caller.kind === 'customer') return;
+  throw new OperationError("The current customer isn't authorized.", Category.Authorization);
 }
 
 // Throws for a caller who would have to prove to be human: integrations need not.

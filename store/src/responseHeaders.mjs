@@ -59,6 +59,10 @@ export function answerHeaders({ request, line, settings, cacheId }) {
   ];
 }
 
+export function pictureHeaders() {
+  return [['Content-Type', 'image/png'], ['Cache-Control', 'public, max-age=3600'], ...protection];
+}
+
 export function pageHeaders() {
   return [['Content-Type', 'text/html; charset=UTF-8'], ...protection];
 }

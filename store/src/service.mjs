@@ -4,6 +4,7 @@ import { mkdirSync } from 'node:fs';
 import { fileURLToPath } from 'node:url';
 
 import { integrationTokenReader } from './callers.mjs';
+import { loadCatalogue } from './catalogue.mjs';
 import { prepareCertificates } from './certificates.mjs';
 import { createControlServer } from './controlServer.mjs';
 import { createCustomerServices, customerTokenReader } from './customerServices.mjs';
@@ -11,6 +12,7 @@ import { FaultList } from './faults.mjs';
 import { createFrame } from './frame.mjs';
 import { RequestLog } from './requestLog.mjs';
 import { defaultPasswordCost } from './passwords.mjs';
+import { createPictures, pictureFolder } from './pictures.mjs';
 import { loadSchema } from './schema.mjs';
 import { loadSeed } from './seed.mjs';
 import { checkSettings, defaultSettings } from './settings.mjs';
@@ -58,6 +60,7 @@ export async function startService({
   mkdirSync(stateFolder, { recursive: true, mode: 0o700 });
   const certificates = prepareCertificates(stateFolder);
   const seed = loadSeed(besideThisFolder('seed.json'));
+  const catalogue = loadCatalogue(besideThisFolder('catalogue.json'), seed);
   const { schema, operations } = await loadSchema(
     besideThisFolder('schema.graphql'),
     besideThisFolder('operations'),
@@ -77,13 +80,14 @@ export async function startService({
   const answerGraphql = createFrame({
     schema,
     operations,
-    services: { seed, ...customerServices },
+    services: { seed, catalogue, ...customerServices },
     tokenReaders: [integrationTokenReader(seed), customerTokenReader(sessions)],
     settings,
     salt: loadCacheSalt(stateFolder),
   });
   const routes = [
     { matches: (path) => path === '/graphql', answer: answerGraphql },
+    { matches: (path) => path.startsWith(pictureFolder), answer: createPictures(catalogue) },
     { matches: () => true, answer: createStorefront({ seed, customers, sessions }) },
   ];
 
