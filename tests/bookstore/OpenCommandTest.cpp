@@ -23,10 +23,13 @@ for option in "$@"; do
   case $option in --user-data-dir=*) profile=${option#*=} ;; esac
 done
 : >"$profile/left-behind"
+while IFS= read -r line; do
+  case $line in SigBlk:*) printf '%s' "$line" >"$PLAYED_BROWSER/blocked-signals" ;; esac
+done </proc/$$/status
 for id in 1 2; do
   IFS= read -r -d '' message <&3 || exit 1
   printf '%s\n' "$message" >>"$PLAYED_BROWSER/messages"
-  printf '{"method":"Target.told"}\0{"id":%d,"result":{}}\0' "$id" >&4
+  printf '{"method":"x","error":{"message":"of its own"}}\0{"id":%d,"result":{}}\0' "$id" >&4
 done
 )";
 
@@ -108,6 +111,12 @@ TEST_F(OpenCommandTest, StartsAFreshProfileThatGoesAndPutsNoSecretOnTheCommandLi
                                         HasSubstr("\n--remote-debugging-pipe\n"),
                                         Not(HasSubstr("secret")), Not(HasSubstr("resolver"))));
   expectNothingLeft();
+}
+
+TEST_F(OpenCommandTest, StartsTheBrowserWithoutBlockedSignals) {
+  install("chromium");
+  run({"open"});
+  EXPECT_EQ(written("blocked-signals"), "SigBlk:\t0000000000000000");
 }
 
 TEST_F(OpenCommandTest, FindsEachKindOfBrowserInThisOrder) {

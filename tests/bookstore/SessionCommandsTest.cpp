@@ -142,6 +142,16 @@ TEST_F(SessionCommandsTest, RefreshNoticesThatTheFileWasNotWritten) {
   EXPECT_THAT(err, HasSubstr(" gave new tokens, but " + root.at(bookstore_tests::kTokenFile)));
 }
 
+TEST_F(SessionCommandsTest, RefreshNoticesThatOneOfTheTokensWasNotWritten) {
+  signedIn();
+  for (const char* tokens : {R"("access_token":"access-secret","refresh_token":"refresh-new")",
+                             R"("access_token":"access-new","refresh_token":"refresh-secret")"}) {
+    serverAnswers(std::string(R"({"data":{"refreshTokens":{)") + tokens + "}}}");
+    fake::platform().failAt("save");
+    EXPECT_EQ(run({"refresh"}), bookstore::kLocalFailure) << tokens;
+  }
+}
+
 TEST_F(SessionCommandsTest, RefreshShowsTheRequestOfADryRunAndChangesNothing) {
   signedIn();
   EXPECT_EQ(run({"refresh", "--dry-run", "--curl"}), bookstore::kDone);

@@ -299,6 +299,9 @@ class AtTerminal {
     if (pid_ == 0) {
       ::close(master_);
       ::login_tty(slave_);
+      for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        std::signal(signal, SIG_DFL);  // whatever the one who runs the tests ignores
+      }
       ::execv(arguments[0], arguments.data());
       ::_exit(127);
     }
