@@ -66,7 +66,7 @@ const std::set<std::string>& ConfigFile::keys() {
   if (!keys_) {
     fileEntries();
     keys_.emplace();
-    for (const ConfigEntries* entries : {&fromFile_, &written_, &missing_}) {
+    for (const ConfigEntries* entries : {&fromFile_.entries, &written_, &missing_}) {
       for (const auto& entry : *entries) {
         keys_->emplace_hint(keys_->end(), entry.first);
       }
@@ -77,7 +77,7 @@ const std::set<std::string>& ConfigFile::keys() {
 
 const ConfigValue* ConfigFile::find(const std::string& key) {
   fileEntries();
-  for (const ConfigEntries* entries : {&written_, &fromFile_, &missing_}) {
+  for (const ConfigEntries* entries : {&written_, &fromFile_.entries, &missing_}) {
     const auto found = entries->find(key);
     if (found != entries->end()) {
       return &found->second;
@@ -118,12 +118,17 @@ void ConfigFile::writeSecret(const std::string& key, const std::string& clearTex
   if (!box_) {
     box_ = SecretBox::openOrMake();
   }
-  if (box_) {
-    written_[key] = {box_->seal(clearText, devicePath_, key), true};
-    keys_.reset();
-  } else {
+  if (!box_) {
     lacksSecret_ = true;
+    return;
   }
+  // Sealed anew it would look different, and the file would be replaced for nothing.
+  const ConfigValue* value = find(key);
+  const bool isKept = value != nullptr && value->isSecret &&
+                      box_->unseal(value->text, devicePath_, key, &clearText_) &&
+                      clearText_ == clearText;
+  written_[key] = isKept ? *value : ConfigValue{box_->seal(clearText, devicePath_, key), true};
+  keys_.reset();
 }
 
 const ConfigEntries& ConfigFile::fileEntries() {
@@ -132,41 +137,36 @@ const ConfigEntries& ConfigFile::fileEntries() {
     std::string content;
     const FileFailure failure = readWholeFile(path_, kMaxFileBytes, &content);
     if (!failure) {
-      fromFile_ = parse(content).entries;
+      takeOver(std::move(content));
     } else if (failure.error != ENOENT) {
       HOST_LOG_FAILURE("Cannot read %s, which counts as empty: %s", path_.c_str(),
                        failure.text().c_str());
     }
   }
-  return fromFile_;
+  return fromFile_.entries;
 }
 
 // The text of a damaged line is not logged: it may be a secret.
-ParsedConfig ConfigFile::parse(const std::string& content) const {
-  ParsedConfig parsed = parseConfig(content);
-  const std::size_t count = parsed.damagedLines.size();
+void ConfigFile::takeOver(std::string content) {
+  fromFile_ = parseConfig(content);
+  content_ = std::move(content);
+  const std::size_t count = fromFile_.damagedLines.size();
   for (std::size_t i = 0; i < std::min(count, kMaxDamagedLinesLogged); ++i) {
     HOST_LOG_FAILURE(
         "%s:%zu: this line is left out: it has no '=', or an escape other than "
         "\\n, \\r, \\t, \\\\ and \\xHH",
-        path_.c_str(), parsed.damagedLines[i]);
+        path_.c_str(), fromFile_.damagedLines[i]);
   }
   if (count > kMaxDamagedLinesLogged) {
     HOST_LOG_FAILURE("%s: %zu more lines are left out", path_.c_str(),
                      count - kMaxDamagedLinesLogged);
   }
-  return parsed;
 }
 
 bool ConfigFile::save() {
-  if (!mayBeSaved()) {
+  if (!mayBeSaved() || !updateFile()) {
     return false;
   }
-  ConfigEntries merged;
-  if (!replaceFile(&merged)) {
-    return false;
-  }
-  fromFile_ = std::move(merged);
   isLoaded_ = true;
   written_.clear();
   missing_.clear();
@@ -184,41 +184,62 @@ bool ConfigFile::mayBeSaved() const {
   return true;
 }
 
-bool ConfigFile::replaceFile(ConfigEntries* merged) {
-  const FileFailure noFolder = makeFolderOf(path_);
-  if (noFolder) {
-    return failed(noFolder.text());
-  }
+bool ConfigFile::updateFile() {
   const FileLock lock(path_);
   if (lock.failure()) {
     return failed(lock.failure().text());
   }
-  removeLeftovers(path_);
   std::string content;
   const FileFailure unread = readWholeFile(path_, kMaxFileBytes, &content);
   if (unread && unread.error != ENOENT) {
     return failed("what it holds cannot be read and would be lost: " + unread.text());
   }
-  ParsedConfig current = parse(content);
-  *merged = std::move(current.entries);
-  for (const auto& entry : written_) {
-    (*merged)[entry.first] = entry.second;
+  if (content != content_) {
+    takeOver(std::move(content));
   }
-  merged->insert(missing_.begin(), missing_.end());
-  content = formatConfig(*merged);
+  if (!unread && fromFile_.damagedLines.empty() && holdsAllWritten()) {
+    return true;  // flash memory wears with each write
+  }
+  return replaceFile();
+}
+
+bool ConfigFile::replaceFile() {
+  ConfigEntries merged = fromFile_.entries;
+  for (const auto& entry : written_) {
+    merged[entry.first] = entry.second;
+  }
+  merged.insert(missing_.begin(), missing_.end());
+  std::string content = formatConfig(merged);
   if (content.size() > kMaxFileBytes) {
     return failed("it would hold more than 16 MiB; write less");
   }
-  if (!current.damagedLines.empty() && !keepDamagedFile()) {
+  if (!fromFile_.damagedLines.empty() && !keepDamagedFile()) {
     return false;
   }
   const FileFailure unsaved = placeWholeFile(path_, content, Placing::Replace);
-  if (unsaved && unsaved.isPlaced) {
+  if (unsaved && !unsaved.isPlaced) {
+    return failed(unsaved.text());
+  }
+  if (unsaved) {
     HOST_LOG_FAILURE("%s is saved, but a power cut could undo it: %s", path_.c_str(),
                      unsaved.text().c_str());
-    return true;
   }
-  return !unsaved || failed(unsaved.text());
+  fromFile_ = {std::move(merged), {}};
+  content_ = std::move(content);
+  return true;
+}
+
+// What is only written where it is missing counts as well.
+bool ConfigFile::holdsAllWritten() const {
+  const ConfigEntries& entries = fromFile_.entries;
+  const auto isHeld = [&entries](const auto& entry) {
+    const auto found = entries.find(entry.first);
+    return found != entries.end() && found->second.text == entry.second.text &&
+           found->second.isSecret == entry.second.isSecret;
+  };
+  const auto isThere = [&entries](const auto& entry) { return entries.count(entry.first) != 0; };
+  return std::all_of(written_.begin(), written_.end(), isHeld) &&
+         std::all_of(missing_.begin(), missing_.end(), isThere);
 }
 
 bool ConfigFile::keepDamagedFile() const {

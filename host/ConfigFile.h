@@ -50,16 +50,20 @@ class ConfigFile {
   // some of its new values without the others.
   void writeSecret(const std::string& key, const std::string& clearText);
 
-  // Replaces the file: what it holds now, whoever wrote it, and over it the keys written here. On
-  // failure, which is logged, the file stays as it is. Returns whether it was saved.
+  // Replaces the file: what it holds now, whoever wrote it, and over it the keys written here. A
+  // file that holds all of that already is left alone. On failure, which is logged, the file stays
+  // as it is. Returns whether it was saved.
   bool save();
 
  private:
   const ConfigEntries& fileEntries();
-  ParsedConfig parse(const std::string& content) const;
+  // Makes this the content of the file that is known here.
+  void takeOver(std::string content);
   bool mayBeSaved() const;
-  // Merges, under the lock. Fills in `merged`.
-  bool replaceFile(ConfigEntries* merged);
+  // Takes the lock, reads what is there now, and replaces it unless nothing would change.
+  bool updateFile();
+  bool replaceFile();
+  bool holdsAllWritten() const;
   bool keepDamagedFile() const;
   bool failed(const std::string& why) const;
 
@@ -68,7 +72,8 @@ class ConfigFile {
   Access access_;
   bool isLoaded_ = false;
   bool lacksSecret_ = false;
-  ConfigEntries fromFile_;
+  std::string content_;  // what fromFile_ was read from
+  ParsedConfig fromFile_;
   ConfigEntries written_;
   ConfigEntries missing_;  // counts where nothing else does
   // Each read of a value with CfgWrapper asks for all keys first.

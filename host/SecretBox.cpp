@@ -58,17 +58,13 @@ FileMark markOf(const struct stat& status) {
 }
 
 void makeKey(const std::string& path) {
-  FileFailure failure = makeFolderOf(path);
+  const FileLock lock(path);
+  FileFailure failure = lock.failure();
   if (!failure) {
-    const FileLock lock(path);
-    failure = lock.failure();
-    if (!failure) {
-      removeLeftovers(path);
-      std::string key(kKeySize, '\0');
-      ::randombytes_buf(&key[0], key.size());
-      failure = placeWholeFile(path, key, Placing::KeepExisting);
-      wipe(&key);
-    }
+    std::string key(kKeySize, '\0');
+    ::randombytes_buf(&key[0], key.size());
+    failure = placeWholeFile(path, key, Placing::KeepExisting);
+    wipe(&key);
   }
   if (failure) {
     HOST_LOG_FAILURE("Cannot make the key file %s: %s", path.c_str(), failure.text().c_str());

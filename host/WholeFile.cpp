@@ -1,16 +1,11 @@
 #include "host/WholeFile.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <system_error>
 
 namespace host {
@@ -57,22 +52,6 @@ std::string hiddenBeside(const std::string& path, const std::string& suffix) {
   return folderOf(path) + "/." + nameOf(path) + suffix;
 }
 
-const char kTemporaryMark[] = ".new-";
-const char kRandomPart[] = "XXXXXX";  // what mkostemp() fills with letters and digits
-
-bool isLetterOrDigit(char byte) {
-  return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-         (byte >= 'a' && byte <= 'z');
-}
-
-bool isTemporaryNameOf(const std::string& path, const std::string& name) {
-  const std::string start = "." + nameOf(path) + kTemporaryMark;
-  return name.size() == start.size() + std::strlen(kRandomPart) &&
-         name.compare(0, start.size(), start) == 0 &&
-         std::all_of(name.begin() + static_cast<std::ptrdiff_t>(start.size()), name.end(),
-                     isLetterOrDigit);
-}
-
 FileFailure syncFolder(const std::string& folder) {
   const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!descriptor.isOpen()) {
@@ -81,13 +60,22 @@ FileFailure syncFolder(const std::string& folder) {
   return ::fsync(descriptor.get()) == 0 ? FileFailure() : failed("fsync folder");
 }
 
-// A new file beside `path`, which goes unless it is put in its place.
+// Opens a new file. One that stands there was left by a writer that died, and goes.
+int openNew(const std::string& path) {
+  const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  const int file = ::open(path.c_str(), flags, 0600);
+  return file < 0 && errno == EEXIST && ::unlink(path.c_str()) == 0
+             ? ::open(path.c_str(), flags, 0600)
+             : file;
+}
+
+// A new file beside `path`, which goes unless it is put in its place. One name is enough: only the
+// holder of the lock makes it.
 class TemporaryFile {
  public:
-  // mkostemp() opens with O_EXCL, which follows no link, and mode 0600.
   explicit TemporaryFile(const std::string& path)
-      : path_(hiddenBeside(path, std::string(kTemporaryMark) + kRandomPart)),
-        file_(::mkostemp(&path_[0], O_CLOEXEC)),
+      : path_(hiddenBeside(path, ".new")),
+        file_(openNew(path_)),
         failure_(file_.isOpen() ? FileFailure() : failed("create")),
         exists_(file_.isOpen()) {}
   ~TemporaryFile() {
@@ -179,6 +167,22 @@ FileFailure makeFolder(const std::string& folder) {
   return failureAbove ? failureAbove : makeOneFolder(folder);
 }
 
+// Opens the lock file of `path`, and makes its folder first where that is missing. Returns -1, with
+// the reason in `*failure`, when there is none.
+int openLockFile(const std::string& path, FileFailure* failure) {
+  const std::string name = hiddenBeside(path, ".lock");
+  const int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
+  int file = ::open(name.c_str(), flags, 0600);
+  if (file < 0 && errno == ENOENT) {
+    *failure = makeFolder(folderOf(path));
+    file = *failure ? -1 : ::open(name.c_str(), flags, 0600);
+  }
+  if (file < 0 && !*failure) {
+    *failure = failed("open lock file");
+  }
+  return file;
+}
+
 }  // namespace
 
 Descriptor::~Descriptor() {
@@ -222,15 +226,8 @@ FileFailure readWholeFile(const std::string& path, std::size_t limit, std::strin
   return readAll(file.get(), static_cast<std::size_t>(status.st_size), limit, content);
 }
 
-FileFailure makeFolderOf(const std::string& path) {
-  return makeFolder(folderOf(path));
-}
-
-FileLock::FileLock(const std::string& path)
-    : descriptor_(::open(hiddenBeside(path, ".lock").c_str(),
-                         O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-  if (!descriptor_.isOpen()) {
-    failure_ = failed("open lock file");
+FileLock::FileLock(const std::string& path) : descriptor_(openLockFile(path, &failure_)) {
+  if (failure_) {
     return;
   }
   while (::flock(descriptor_.get(), LOCK_EX) != 0) {
@@ -252,16 +249,6 @@ FileFailure placeWholeFile(const std::string& path, const std::string& content, 
     failure.isPlaced = true;
   }
   return failure;
-}
-
-void removeLeftovers(const std::string& path) {
-  const std::string folder = folderOf(path);
-  const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
-  while (const dirent* entry = entries ? ::readdir(entries.get()) : nullptr) {
-    if (isTemporaryNameOf(path, entry->d_name)) {
-      ::unlink((folder + "/" + entry->d_name).c_str());
-    }
-  }
 }
 
 }  // namespace host

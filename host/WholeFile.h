@@ -41,29 +41,25 @@ struct FileFailure {
 // no regular file (EISDIR, EINVAL), fails; a missing one fails with ENOENT.
 FileFailure readWholeFile(const std::string& path, std::size_t limit, std::string* content);
 
-// Makes the folder that `path` lies in, and those above it, each with mode 0700 where it is new.
-FileFailure makeFolderOf(const std::string& path);
-
 // The lock, between threads and processes, of those who change the file at `path`: a file of mode
-// 0600 beside it, which stays. The constructor waits for it; the destructor releases it.
+// 0600 beside it, which stays. Where the folder is missing it is made, with those above it, each
+// with mode 0700. The constructor waits for the lock; the destructor releases it.
 class FileLock {
  public:
   explicit FileLock(const std::string& path);
   const FileFailure& failure() const { return failure_; }
 
  private:
-  Descriptor descriptor_;
   FileFailure failure_;
+  Descriptor descriptor_;
 };
 
 enum class Placing { Replace, KeepExisting };
 
 // Puts a file of mode 0600 with this content at `path`, whole and on the disk, or leaves what is
-// there. KeepExisting leaves a file that is there, which is no failure. For holders of the lock.
+// there. KeepExisting leaves a file that is there, which is no failure. For holders of the lock:
+// what a writer that died has left beside the file goes, too.
 FileFailure placeWholeFile(const std::string& path, const std::string& content, Placing placing);
-
-// Removes what writers of `path` that died have left. For holders of the lock.
-void removeLeftovers(const std::string& path);
 
 }  // namespace host
 

@@ -43,6 +43,13 @@ class CfgWrapperTest : public testing::Test {
     return CfgWrapper(kPath, CfgWrapper::Read).read<std::string>(key, "(missing)");
   }
 
+  // Tells one file at the path from the next.
+  ino_t inode() const {
+    struct stat status = {};
+    EXPECT_EQ(::stat(root_.at(kPath).c_str(), &status), 0);
+    return status.st_ino;
+  }
+
   TemporaryRoot root_;
 };
 
@@ -216,19 +223,60 @@ TEST_F(CfgWrapperTest, LeavesNothingButTheFileAndItsLock) {
   EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".test.cfg.lock", "test.cfg"));
 }
 
-TEST_F(CfgWrapperTest, RemovesWhatDeadWritersLeftAndNothingElse) {
+TEST_F(CfgWrapperTest, ReplacesWhatADeadWriterLeftAndNothingElse) {
   const std::string folder = kFolder;
-  root_.put(folder + "/.test.cfg.new-aB3xY9", "");
-  for (const char* other :
-       {"/.test.cfg.new-aB3xY", "/.test.cfg.new-aB3xY9z", "/.test.cfg.new-aB3x.9",
-        "/.other.cfg.new-aB3xY9", "/test.cfg.new-aB3xY9"}) {
-    root_.put(folder + other, "");
+  for (const char* name : {"/.test.cfg.new", "/.other.cfg.new", "/test.cfg.new"}) {
+    root_.put(folder + name, "");
   }
   save("a", "1");
+  EXPECT_EQ(load("a"), "1");
   EXPECT_THAT(root_.namesIn(folder),
-              ElementsAre(".other.cfg.new-aB3xY9", ".test.cfg.lock", ".test.cfg.new-aB3x.9",
-                          ".test.cfg.new-aB3xY", ".test.cfg.new-aB3xY9z", "test.cfg",
-                          "test.cfg.new-aB3xY9"));
+              ElementsAre(".other.cfg.new", ".test.cfg.lock", "test.cfg", "test.cfg.new"));
+}
+
+TEST_F(CfgWrapperTest, NeverWritesThroughALinkInPlaceOfTheNewFile) {
+  root_.put("/elsewhere", "x");
+  root_.put(std::string(kFolder) + "/other", "");
+  std::filesystem::create_symlink(root_.at("/elsewhere"),
+                                  root_.at(std::string(kFolder) + "/.test.cfg.new"));
+  save("a", "1");
+  EXPECT_EQ(load("a"), "1");
+  EXPECT_EQ(root_.contentOf("/elsewhere"), "x");
+}
+
+// --- Saves that change nothing -------------------------------------------------------------------
+
+TEST_F(CfgWrapperTest, LeavesAFileAloneThatHoldsAllOfItAlready) {
+  save("a", "1");
+  const ino_t before = inode();
+  save("a", "1");
+  EXPECT_EQ(inode(), before);
+  save("a", "2");
+  EXPECT_NE(inode(), before);
+}
+
+TEST_F(CfgWrapperTest, ReplacesAFileInWhichAnotherProgramChangedTheKeyMeanwhile) {
+  save("a", "1");
+  CfgWrapper config(kPath, CfgWrapper::Write);
+  EXPECT_EQ(config.read<std::string>("a", ""), "1");
+  WriteString(config.handle, "a", "1");
+  save("a", "2");
+  config.saveAndClose();
+  EXPECT_EQ(load("a"), "1");
+}
+
+TEST_F(CfgWrapperTest, ReplacesADamagedFileThoughNoValueChanges) {
+  root_.put(kPath, "a=1\ndamaged\n");
+  save("a", "1");
+  EXPECT_THAT(root_.contentOf(kPath), Not(HasSubstr("damaged")));
+}
+
+TEST_F(CfgWrapperTest, ReplacesATextByASecretOfTheSameWriting) {
+  save("a", "1");
+  CfgWrapper config(kPath, CfgWrapper::Write);
+  WriteSecret(config.handle, "a", "1");
+  config.saveAndClose();
+  EXPECT_THAT(root_.contentOf(kPath), HasSubstr("a=secret:"));
 }
 
 TEST_F(CfgWrapperTest, NeverFollowsALinkAtTheLockFile) {

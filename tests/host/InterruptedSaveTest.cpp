@@ -99,10 +99,10 @@ class InterruptedSaveTest : public testing::Test {
     return all;
   }
 
-  // The system calls that a save makes.
+  // The system calls that a save makes which changes the values of number 1.
   std::vector<SystemCall> callsOfASave() const {
     const std::string trace = root_.path() + "-trace";
-    EXPECT_EQ(run(underTracer({"-o", trace}, saver("a", 1, 1))), 0);
+    EXPECT_EQ(run(underTracer({"-o", trace}, saver("a", 2, 1))), 0);
     std::ifstream lines(trace);
     const std::regex call("^[0-9]+ +([a-z0-9_]+)\\(");
     std::map<std::string, int> counts;
@@ -199,7 +199,7 @@ TEST_F(InterruptedSaveTest, AProcessKilledAtAnySystemCallLeavesAWholeFile) {
     seen.insert(now);
   }
   EXPECT_THAT(seen, ElementsAre(1, 2));
-  EXPECT_GE(killed + 3, calls.size());  // names are chosen at random, now and then in one call more
+  EXPECT_EQ(killed, calls.size());
   EXPECT_EQ(root_.log(), "");
   ASSERT_EQ(run(saver("a", 3, 1)), 0);
   EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg"));
@@ -207,9 +207,9 @@ TEST_F(InterruptedSaveTest, AProcessKilledAtAnySystemCallLeavesAWholeFile) {
 
 TEST_F(InterruptedSaveTest, AFailureOfAnySystemCallLeavesAWholeFileAndALogLine) {
   ASSERT_EQ(run(saver("a", 1, 1)), 0);
-  const std::set<std::string> files = {"openat", "mkdir",  "flock",     "fstat", "newfstatat",
-                                       "read",   "write",  "fsync",     "close", "rename",
-                                       "link",   "unlink", "getdents64"};
+  const std::set<std::string> files = {"openat",     "mkdir",  "flock", "fstat",
+                                       "newfstatat", "read",   "write", "fsync",
+                                       "close",      "rename", "link",  "unlink"};
   std::set<std::string> failing;
   for (const SystemCall& call : callsOfASave()) {
     if (files.count(call.name) == 0) {

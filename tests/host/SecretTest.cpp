@@ -94,11 +94,28 @@ TEST_F(SecretTest, IsNotShownByTheFile) {
   EXPECT_THAT(sealed("token"), MatchesRegex("secret:v1:[-_A-Za-z0-9]{67}"));
 }
 
-TEST_F(SecretTest, IsSealedAnewEachTime) {
+TEST_F(SecretTest, IsSealedAnewEachTimeThatItChanges) {
+  save("token", "same");
+  const std::string first = sealed("token");
+  save("token", "other");
+  save("token", "same");
+  EXPECT_NE(sealed("token"), first);
+}
+
+TEST_F(SecretTest, ThatIsTheSameKeepsItsSealedText) {
   save("token", "same");
   const std::string first = sealed("token");
   save("token", "same");
-  EXPECT_NE(sealed("token"), first);
+  EXPECT_EQ(sealed("token"), first);
+}
+
+TEST_F(SecretTest, ThatWasTamperedWithIsSealedAnew) {
+  save("token", "same");
+  std::string content = root_.contentOf(kPath);
+  content[content.find("secret:v1:") + 20] ^= 1;
+  root_.put(kPath, content);
+  save("token", "same");
+  EXPECT_EQ(load("token"), "same");
 }
 
 TEST_F(SecretTest, ReadsAsTheDefaultWhenAnyByteWasChanged) {
@@ -290,7 +307,7 @@ TEST_F(SecretTest, ProcessesThatMakeTheKeyAtOnceGetTheSame) {
 }
 
 TEST_F(SecretTest, WhatADeadMakerOfTheKeyLeftIsRemoved) {
-  root_.put(std::string(kKeyFolder) + "/.secret.key.new-abc123", "x");
+  root_.put(std::string(kKeyFolder) + "/.secret.key.new", "x");
   save("token", "a");
   EXPECT_THAT(root_.namesIn(kKeyFolder), ElementsAre(".secret.key.lock", "secret.key"));
 }
