@@ -93,7 +93,7 @@ class Bench {
   }
 
   async measureOnce(one, program) {
-    const port = this.nginx.ports[one.connection === 'kept' ? 'kept' : 'new'];
+    const port = this.nginx.ports[one.connection === 'cold' ? 'new' : one.connection];
     const count = one.connection === 'cold' ? 'cold' : one.count;
     return (await this.perform(program, one.operation, count, port, one.authorities)).nanoseconds;
   }

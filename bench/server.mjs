@@ -28,23 +28,26 @@ async function freePort() {
 
 const quoted = (text) => `'${text.replace(/[\\']/g, '\\$&')}'`;
 
-function location(operation) {
+// The answer as nginx writes it out: a text in it counts the requests of its connection, so that no
+// answer is the one before it, and both programs see the same ones.
+const changing = (answer) => answer.replace('0000', '$connection_requests');
+
+function location(operation, answer) {
   return `
       location = ${pathOf(operation)} {
         default_type application/json;
         add_header Pragma no-cache;
         add_header Cache-Control 'max-age=0, must-revalidate, no-cache, no-store';
         add_header X-Magento-Cache-Id ${'0123456789abcdef'.repeat(4)};
-        return 200 ${quoted(answerOf(operation))};
+        return 200 ${quoted(answer)};
       }`;
 }
 
 function nginxConfiguration({ folder, operations, certificates, ports }) {
-  const locations = operations.map(location).join('');
-  const server = (port, keepAlive) => `
+  const server = (port, keepAlive, change = (answer) => answer) => `
     server {
       listen ${kLoopback}:${port} ssl;
-      ${keepAlive}${locations}
+      ${keepAlive}${operations.map((one) => location(one, change(answerOf(one)))).join('')}
     }`;
   return `
   ${process.getuid() === 0 ? 'user root;' : ''}
@@ -64,6 +67,7 @@ function nginxConfiguration({ folder, operations, certificates, ports }) {
     ssl_certificate ${certificates.certificate};
     ssl_certificate_key ${certificates.key};
     ${server(ports.kept, 'keepalive_requests 1000000;')}
+    ${server(ports.changing, 'keepalive_requests 1000000;', changing)}
     ${server(ports.new, 'keepalive_requests 1;')}
   }
   `;
@@ -78,9 +82,10 @@ function answers(port) {
 }
 
 // Starts nginx with canned answers on free loopback ports, all its files in `folder`. `ports.kept`
-// keeps connections, `ports.new` closes each after one answer.
+// keeps connections, `ports.changing` as well, but never answers the same twice, and `ports.new`
+// closes each after one answer.
 export async function startNginx({ folder, operations, certificates, processor }) {
-  const ports = { kept: await freePort(), new: await freePort() };
+  const ports = { kept: await freePort(), changing: await freePort(), new: await freePort() };
   const path = join(folder, 'nginx.conf');
   writeFileSync(path, nginxConfiguration({ folder, operations, certificates, ports }));
   const nginx = start('nginx', ['-p', folder, '-e', 'stderr', '-c', path], { processor });
