@@ -10,13 +10,8 @@ SessionLock::SessionLock(const Context& context) {
   if (context.arguments.has("--dry-run")) {
     return;
   }
-  const std::string path = tokenFile() + ".session";
-  host::FileFailure failure = host::makeFolderOf(path);
-  if (!failure) {
-    lock_.emplace(path);
-    failure = lock_->failure();
-  }
-  if (failure) {
+  lock_.emplace(tokenFile() + ".session");
+  if (const host::FileFailure& failure = lock_->failure()) {
     throw Failure(kLocalFailure, "the lock beside " + tokenFile() + " fails: " + failure.text(),
                   "set ORVANE_ROOT to a folder that can be written");
   }
