@@ -21,8 +21,7 @@ namespace graphql {
 //
 // Failures come back as results: an ApiError, an ErrorInfo, or an empty list or record. No
 // operation throws an exception of its own, but these reach the caller of every one of them:
-// - Json::LogicError for a value in the answer that cannot be converted to what the operation
-// reads;
+// - Json::LogicError for a value in the answer that cannot be converted to what is read;
 // - Json::RuntimeError for an answer that is nested deeper than 1,000 levels;
 // - what the platform, the error callback or the standard library for want of memory throws.
 // Unless an operation says otherwise, the stored state is then what it was before the call.
@@ -30,7 +29,12 @@ namespace graphql {
 // An answer whose root, or whose "data", is not an object has no members: it is an answer without
 // the expected data, never an exception.
 //
-// Each answer is logged at level 5 as the server sent it, each failure at level 2.
+// Unless an operation says otherwise, each answer is logged at level 5 as JSON, and each failure at
+// level 2.
+//
+// The locales of the process change nothing. Where the global C++ locale writes a comma before the
+// fraction, it is replaced while an answer is parsed, and put back: threads that format numbers
+// with it at that moment see a point.
 class GraphQLApi {
  public:
   // How an operation without a record of its own for errors ended.
@@ -128,8 +132,9 @@ class GraphQLApi {
                                              const std::string& lastname, bool isSubscribed);
 
   // Has `store` mail a link with which the customer sets a new password, waiting at most 30
-  // seconds. `error` 0: done, or refused without a message. 1: the server's message tells why not.
-  // -1: failed transfer (logged) or other status (told to the callback, then logged).
+  // seconds. The answer is not logged. `error` 0: done, or refused without a message. 1: the
+  // server's message tells why not. -1: failed transfer (logged) or other status (told to the
+  // callback, then logged).
   GraphQLStorageApi::ErrorInfo resetPassword(const GraphQLStorageApi::StoreInfo& store,
                                              const std::string& email);
 
