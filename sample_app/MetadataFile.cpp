@@ -1,0 +1,60 @@
+#include "sample_app/MetadataFile.h"
+
+#include <json/json.h>
+
+using graphql::GraphQLApi;
+
+namespace sample_app {
+
+namespace {
+
+std::string nameOf(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+// A picture that is missing is null, and the next member tells why.
+void tellThumbnail(const Thumbnail& thumbnail, const std::string& file, Json::Value* document) {
+  if (thumbnail.isThere()) {
+    (*document)["thumbnail"] = nameOf(file);
+  } else {
+    (*document)["thumbnail"] = Json::Value();
+    (*document)["thumbnailProblem"] = thumbnail.problem;
+  }
+}
+
+Json::Value documentOf(const WorkQueue::Item& item, const GraphQLApi::SampleMetadata& metadata) {
+  Json::Value document;
+  document["bookId"] = item.bookId;
+  document["sampleFilePath"] = item.sampleFilePath;
+  document["apiUrl"] = metadata.apiUrl;
+  document["name"] = metadata.name;
+  document["author"] = metadata.author;
+  document["price"] = metadata.price;
+  document["oldPrice"] = metadata.oldPrice;
+  document["thumbnailUrl"] = metadata.thumbnailUrl;
+  return document;
+}
+
+std::string textOf(const Json::Value& document) {
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "  ";
+  return Json::writeString(builder, document) + "\n";
+}
+
+}  // namespace
+
+host::FileFailure placeMetadata(const std::string& path, const WorkQueue::Item& item,
+                                const GraphQLApi::SampleMetadata& metadata,
+                                const Thumbnail& thumbnail) {
+  const std::string picture = path + ".thumbnail." + thumbnail.extension;
+  Json::Value document = documentOf(item, metadata);
+  tellThumbnail(thumbnail, picture, &document);
+  host::FileFailure failure;
+  if (thumbnail.isThere()) {
+    failure = host::placeWholeFile(picture, thumbnail.bytes, host::Placing::Replace);
+  }
+  return failure ? failure
+                 : host::placeWholeFile(path + ".json", textOf(document), host::Placing::Replace);
+}
+
+}  // namespace sample_app

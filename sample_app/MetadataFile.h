@@ -1,0 +1,24 @@
+// The results for one sample: two files beside it. Used by the one worker.
+
+#ifndef SAMPLE_APP_METADATAFILE_H_
+#define SAMPLE_APP_METADATAFILE_H_
+
+#include <string>
+
+#include "graphql_api/GraphQLApi.h"
+#include "host/WholeFile.h"
+#include "sample_app/Thumbnail.h"
+#include "sample_app/WorkQueue.h"
+
+namespace sample_app {
+
+// Places the picture at `path`.thumbnail.<extension>, if there is one, and then the metadata as
+// JSON at `path`.json, each whole, on the disk and for its owner only. `path` is the sample file's
+// on this machine. Returns why it failed, if it did; what stood there before then stays.
+host::FileFailure placeMetadata(const std::string& path, const WorkQueue::Item& item,
+                                const graphql::GraphQLApi::SampleMetadata& metadata,
+                                const Thumbnail& thumbnail);
+
+}  // namespace sample_app
+
+#endif  // SAMPLE_APP_METADATAFILE_H_

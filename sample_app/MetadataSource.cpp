@@ -1,0 +1,144 @@
+#include "sample_app/MetadataSource.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <json/json.h>
+
+#include "host/Settings.h"
+#include "host/VisibleText.h"
+#include "host/WholeFile.h"
+
+using graphql::GraphQLApi;
+using graphql::GraphQLStorageApi;
+
+namespace sample_app {
+
+namespace {
+
+using Lookup = MetadataSource::Lookup;
+using Outcome = MetadataSource::Outcome;
+
+constexpr int kUnauthorized = 401;
+constexpr int kForbidden = 403;
+constexpr std::size_t kLongestBookId = 255;
+
+// The lock that the command line takes, too, before it uses the refresh token: that works once.
+const char kSession[] = "/mnt/ext1/system/config/bookstore.cfg.session";
+
+Lookup without(Outcome outcome, const std::string& reason) {
+  return {outcome, reason, GraphQLApi::SampleMetadata()};
+}
+
+bool isRefusal(int status) {
+  return status == kUnauthorized || status == kForbidden;
+}
+
+// The library puts the text into the query as it is: another one could change what is asked for
+// in the customer's name.
+bool canBeAsked(const std::string& bookId) {
+  return !bookId.empty() && bookId.size() <= kLongestBookId &&
+         std::all_of(bookId.begin(), bookId.end(), [](char character) {
+           return character > ' ' && character < '\x7f' && character != '"' && character != '\\';
+         });
+}
+
+Lookup unreadable(const Json::Exception& exception) {
+  return without(Outcome::Unknown,
+                 std::string("the store's answer cannot be read: ") + exception.what());
+}
+
+}  // namespace
+
+MetadataSource::MetadataSource(std::shared_ptr<GraphQLStorageApi> storage)
+    : storage_(std::move(storage)), api_(storage_) {
+  api_.setErrorCb([this](int, int code) { failedStatus_ = code; });
+}
+
+Lookup MetadataSource::find(const std::string& bookId) {
+  if (!canBeAsked(bookId)) {
+    return without(Outcome::Unknown, "the book's identifier is not one that a store gives");
+  }
+  storage_->reload();
+  if (!isSignedIn()) {
+    return without(Outcome::SignedOut, "nobody is signed in");
+  }
+  const std::string token = storage_->accessToken();
+  Lookup lookup = ask(bookId);
+  if (lookup.outcome != Outcome::SignedOut) {
+    return lookup;
+  }
+  const std::optional<Lookup> problem = refresh(token);
+  return problem ? *problem : ask(bookId);
+}
+
+Lookup MetadataSource::ask(const std::string& bookId) {
+  failedStatus_ = 0;
+  try {
+    const GraphQLApi::SampleMetadata metadata =
+        api_.sampleMetadata(storage_->currentStore(), bookId);
+    if (metadata.error == GraphQLApi::Ok) {
+      return {Outcome::Found, "", metadata};
+    }
+    if (!metadata.uid.empty()) {
+      return without(Outcome::Unknown,
+                     "the store answered with another book: " + host::visibleText(metadata.uid));
+    }
+    return failedStatus_ == 0 && metadata.error == GraphQLApi::BadResponse
+               ? checkSession()
+               : failure(metadata.error);
+  } catch (const Json::Exception& exception) {
+    return unreadable(exception);
+  }
+}
+
+// An older server takes a token that has expired for no token at all, and answers with status 200
+// as if there was no such book.
+Lookup MetadataSource::checkSession() {
+  GraphQLStorageApi::UserInfo customer;
+  const GraphQLApi::ApiError error = api_.userInfo(storage_->currentStore(), &customer);
+  if (error == GraphQLApi::Ok) {
+    return without(Outcome::Unknown, "the store does not know the book");
+  }
+  return failure(error);
+}
+
+std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
+  const host::FileLock lock(host::hostPath(kSession));
+  if (lock.failure()) {
+    return without(Outcome::Unreachable, "the session cannot be locked: " + lock.failure().text());
+  }
+  storage_->reload();
+  if (storage_->accessToken() != refusedToken && isSignedIn()) {
+    return std::nullopt;  // another program was faster
+  }
+  if (!isSignedIn() || storage_->refreshToken().empty()) {
+    return without(Outcome::SignedOut, "the session has ended");
+  }
+  failedStatus_ = 0;
+  const GraphQLStorageApi::LoginInfo login =
+      api_.refreshTokens(storage_->currentStore(), storage_->refreshToken());
+  if (login.errorInfo.error == 0 && !login.accessToken.empty()) {
+    return std::nullopt;
+  }
+  const bool isTransferFailure = login.errorInfo.error == -1;
+  return failure(isTransferFailure ? GraphQLApi::NetworkError : GraphQLApi::BadResponse);
+}
+
+bool MetadataSource::isSignedIn() const {
+  return storage_->isLoggedIn() && storage_->currentStore().isValid();
+}
+
+// What the failure of an operation on the session means.
+Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
+  if (error == GraphQLApi::NetworkError) {
+    return without(Outcome::Unreachable, "the store cannot be reached");
+  }
+  if (failedStatus_ == 0 || isRefusal(failedStatus_)) {
+    return without(Outcome::SignedOut, "the store refuses the session");
+  }
+  return without(Outcome::Unreachable,
+                 "the store answers with status " + std::to_string(failedStatus_));
+}
+
+}  // namespace sample_app

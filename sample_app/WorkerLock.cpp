@@ -1,0 +1,51 @@
+#include "sample_app/WorkerLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "host/Log.h"
+
+namespace sample_app {
+
+const char kWorkerLockPath[] = "/tmp/graphql_sample_metadata.lock";
+
+namespace {
+
+// Every user may read the file, which is enough for a lock. It is opened without O_CREAT where it
+// exists: in a sticky folder the system refuses that for the file of another user.
+int openLockFile() {
+  const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  const int created = ::open(kWorkerLockPath, flags | O_CREAT | O_EXCL, 0644);
+  return created >= 0 || errno != EEXIST ? created : ::open(kWorkerLockPath, flags);
+}
+
+bool isRegularFile(int file) {
+  struct stat status = {};
+  return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+WorkerLock::State lock(int file) {
+  if (file >= 0 && !isRegularFile(file)) {
+    errno = EINVAL;
+  } else if (file >= 0) {
+    if (::flock(file, LOCK_EX | LOCK_NB) == 0) {
+      return WorkerLock::State::Held;
+    }
+    if (errno == EWOULDBLOCK) {
+      return WorkerLock::State::Busy;
+    }
+  }
+  HOST_LOG_FAILURE("Cannot lock %s: %s; move away what stands there", kWorkerLockPath,
+                   std::strerror(errno));
+  return WorkerLock::State::Failed;
+}
+
+}  // namespace
+
+WorkerLock::WorkerLock() : file_(openLockFile()), state_(lock(file_.get())) {}
+
+}  // namespace sample_app
