@@ -7,10 +7,12 @@
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "host/ConfigFile.h"
 #include "tests/host/TemporaryRoot.h"
 
 using host_tests::ScopedSetting;
@@ -43,11 +45,11 @@ class CfgWrapperTest : public testing::Test {
     return CfgWrapper(kPath, CfgWrapper::Read).read<std::string>(key, "(missing)");
   }
 
-  // Tells one file at the path from the next.
-  ino_t inode() const {
+  // Tells one file at the path from the next, and whether it was written to.
+  std::tuple<ino_t, time_t, long> mark() const {
     struct stat status = {};
     EXPECT_EQ(::stat(root_.at(kPath).c_str(), &status), 0);
-    return status.st_ino;
+    return {status.st_ino, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
   }
 
   TemporaryRoot root_;
@@ -248,11 +250,25 @@ TEST_F(CfgWrapperTest, NeverWritesThroughALinkInPlaceOfTheNewFile) {
 
 TEST_F(CfgWrapperTest, LeavesAFileAloneThatHoldsAllOfItAlready) {
   save("a", "1");
-  const ino_t before = inode();
+  const auto before = mark();
   save("a", "1");
-  EXPECT_EQ(inode(), before);
+  EXPECT_EQ(mark(), before);
   save("a", "2");
-  EXPECT_NE(inode(), before);
+  EXPECT_NE(mark(), before);
+}
+
+TEST_F(CfgWrapperTest, AddsWhatIsMissingThoughNoValueChanges) {
+  for (const char* content : {"a=1\n", "a=1\nb=1\n"}) {
+    root_.put(kPath, content);
+    const auto before = mark();
+    host::ConfigFile file(kPath, host::ConfigFile::Access::Write);
+    file.write("a", "1");
+    file.writeIfMissing("b", "2");
+    EXPECT_TRUE(file.save());
+    const bool wasMissing = std::string(content) == "a=1\n";
+    EXPECT_EQ(load("b"), wasMissing ? "2" : "1");
+    EXPECT_EQ(mark() != before, wasMissing);
+  }
 }
 
 TEST_F(CfgWrapperTest, ReplacesAFileInWhichAnotherProgramChangedTheKeyMeanwhile) {
@@ -271,12 +287,10 @@ TEST_F(CfgWrapperTest, ReplacesADamagedFileThoughNoValueChanges) {
   EXPECT_THAT(root_.contentOf(kPath), Not(HasSubstr("damaged")));
 }
 
-TEST_F(CfgWrapperTest, ReplacesATextByASecretOfTheSameWriting) {
-  save("a", "1");
-  CfgWrapper config(kPath, CfgWrapper::Write);
-  WriteSecret(config.handle, "a", "1");
-  config.saveAndClose();
-  EXPECT_THAT(root_.contentOf(kPath), HasSubstr("a=secret:"));
+TEST_F(CfgWrapperTest, ReplacesASecretByATextOfTheSameWriting) {
+  root_.put(kPath, "a=secret:v1:AAAA\n");
+  save("a", "v1:AAAA");
+  EXPECT_EQ(load("a"), "v1:AAAA");
 }
 
 TEST_F(CfgWrapperTest, NeverFollowsALinkAtTheLockFile) {

@@ -102,6 +102,14 @@ TEST_F(SecretTest, IsSealedAnewEachTimeThatItChanges) {
   EXPECT_NE(sealed("token"), first);
 }
 
+TEST_F(SecretTest, LooksDifferentUnderEachKeyAndInEachFile) {
+  save("token", "same");
+  save("other", "same");
+  save("token", "same", kOtherPath);
+  EXPECT_NE(sealed("token"), sealed("other"));
+  EXPECT_THAT(root_.contentOf(kOtherPath), Not(HasSubstr(sealed("token"))));
+}
+
 TEST_F(SecretTest, ThatIsTheSameKeepsItsSealedText) {
   save("token", "same");
   const std::string first = sealed("token");
