@@ -1,7 +1,7 @@
 #include "host/HttpSettings.h"
 
+#include <algorithm>
 #include <limits>
-#include <sstream>
 
 #include "host/Settings.h"
 
@@ -13,11 +13,12 @@ const long long kMostSeconds = 86400;
 
 std::vector<std::string> splitAtCommas(const std::string& list) {
   std::vector<std::string> entries;
-  std::istringstream in(list);
-  for (std::string entry; std::getline(in, entry, ',');) {
-    if (!entry.empty()) {
-      entries.push_back(entry);
+  for (std::size_t begin = 0; begin < list.size();) {
+    const std::size_t end = std::min(list.find(',', begin), list.size());
+    if (end > begin) {
+      entries.push_back(list.substr(begin, end - begin));
     }
+    begin = end + 1;
   }
   return entries;
 }
