@@ -21,7 +21,6 @@ using host_tests::TemporaryRoot;
 using orvane::utilities::CfgSecret;
 using orvane::utilities::CfgWrapper;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
