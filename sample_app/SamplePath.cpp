@@ -41,7 +41,8 @@ SamplePath locateSample(const std::string& devicePath) {
   std::error_code error;
   const fs::path root = fs::canonical(host::rootFolder(), error);
   const fs::path folder =
-      error ? fs::path() : fs::canonical(host::hostPath(wanted.parent_path().string()), error);
+      error ? fs::path()
+            : fs::canonical(host::hostPath(wanted.parent_path().string()) + "/.", error);
   if (error) {
     return unusable("the folder of the sample file cannot be used: " + error.message());
   }

@@ -1,0 +1,52 @@
+#include "sample_app/SignalWaiter.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/NewProcess.h"
+
+using sample_app::SignalWaiter;
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr milliseconds kLong(600000);
+
+}  // namespace
+
+TEST(SignalWaiterTest, WaitsForTheTime) {
+  EXPECT_TRUE(support::passesInNewProcess([] {
+    SignalWaiter waiter;
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_TRUE(waiter.wait(milliseconds(20)));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(20));
+    EXPECT_TRUE(waiter.wait(milliseconds(0)));
+  }));
+}
+
+TEST(SignalWaiterTest, EitherSignalEndsEveryWaitFromThenOn) {
+  for (const int signal : {SIGTERM, SIGINT}) {
+    EXPECT_TRUE(support::passesInNewProcess([signal] {
+      SignalWaiter waiter;
+      ::raise(signal);  // interrupts nothing
+      EXPECT_FALSE(waiter.wait(milliseconds(0)));
+      EXPECT_FALSE(waiter.wait(kLong));
+    }));
+  }
+}
+
+TEST(SignalWaiterTest, ASignalCutsAWaitShort) {
+  EXPECT_TRUE(support::passesInNewProcess([] {
+    SignalWaiter waiter;
+    std::thread other([] {
+      std::this_thread::sleep_for(milliseconds(20));
+      ::kill(::getpid(), SIGTERM);
+    });
+    EXPECT_FALSE(waiter.wait(kLong));
+    other.join();
+  }));
+}
