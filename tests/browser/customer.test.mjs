@@ -7,6 +7,14 @@ import { join } from 'node:path';
 import { after, before, describe, test } from 'node:test';
 
 import { Device } from './device.mjs';
+import {
+  allCookies,
+  allHeaders,
+  assertBare,
+  assertCarried,
+  assertComplete,
+  pageRequest,
+} from './handedOver.mjs';
 import { StoreService } from './storeService.mjs';
 import { ChromeDriver } from './webDriver.mjs';
 
@@ -49,22 +57,6 @@ const readPage = `
     cacheId: main.dataset.cacheId,
   };`;
 
-// "a=b; c=d" as pairs.
-function cookiePairs(text) {
-  return text.split('; ').map((pair) => pair.split(/=(.*)/s).slice(0, 2));
-}
-
-// The cookies of both maps: a browser keeps its own Cookie header and takes no other, so the pairs in
-// the library's header become cookies as well.
-function allCookies({ cookies, headers }) {
-  const inHeader = headers.Cookie ? cookiePairs(headers.Cookie) : [];
-  return { ...Object.fromEntries(inHeader), ...cookies };
-}
-
-function allHeaders({ headers: { Cookie, ...others } }) {
-  return others;
-}
-
 // Does what the firmware does with the library's answer before it shows the store.
 async function equip(browser, state) {
   for (const [name, value] of Object.entries(allCookies(state))) {
@@ -76,100 +68,114 @@ async function equip(browser, state) {
   await browser.devTools('Network.setExtraHTTPHeaders', { headers: allHeaders(state) });
 }
 
-// The one request for the page, as { cookies, headers } with names in lower case.
-function pageRequest(requests) {
-  const found = requests.filter(({ method, url }) => method === 'GET' && url === '/');
-  assert.equal(found.length, 1);
-  const [{ headers }] = found;
-  const isCookie = ([name]) => name.toLowerCase() === 'cookie';
-  const cookies = headers.filter(isCookie).flatMap(([, text]) => cookiePairs(text));
-  const others = headers.filter((pair) => !isCookie(pair));
-  return { cookies: cookies.sort(), headers: others.map(([name, text]) => [name.toLowerCase(), text]) };
-}
-
 for (const line of ['old', 'new']) {
   describe(`on the ${line} line`, () => {
-    const folder = mkdtempSync(join(tmpdir(), 'browser-'));
-    const store = new StoreService(join(folder, 'store'));
+    let folder;
+    let store;
     const driver = new ChromeDriver();
 
     before(async () => {
+      folder = mkdtempSync(join(tmpdir(), 'browser-'));
+      store = new StoreService(join(folder, 'store'));
       await store.start(line);
       await driver.start(folder);
     });
 
     after(async () => {
-      await driver.stop();
-      await store.stop();
-      rmSync(folder, { recursive: true, force: true, maxRetries: 5 });
+      driver.stop();
+      await store.stop().finally(() => {
+        rmSync(folder, { recursive: true, force: true, maxRetries: 10 });
+      });
     });
 
-    function openBrowser(keyDigest = store.keyDigest) {
+    // Lets `use` work with a browser that has never been used and that trusts the given key.
+    async function withBrowser(keyDigest, use) {
       const profile = mkdtempSync(join(folder, 'profile-'));
-      return driver.open({ profile, storePort: store.port, keyDigest });
-    }
-
-    // What a fresh browser that got `state` shows of the store, and what it asked the store for.
-    async function visit(state, picture) {
-      await store.forgetRequests();
-      const browser = await openBrowser();
+      const browser = await driver.open({ profile, storePort: store.port, keyDigest });
       try {
-        await equip(browser, state);
-        await browser.visit(state.storeUrl);
-        writeFileSync(join(buildFolder, picture), await browser.screenshot());
-        const page = await browser.evaluate(readPage);
-        return { page, request: pageRequest(await store.requests()) };
+        return await use(browser);
       } finally {
         await browser.close();
       }
     }
 
-    for (const customer of customers) {
-      test(`the page of ${customer.storeCode} shows the customer until the sign-out`, async () => {
-        const { storeCode, person, storeUrl, locale, price } = customer;
-        const root = join(folder, storeCode);
-        const device = new Device({ programs: buildFolder, library, root, store });
-        await device.signIn(storeCode, { ...person, password: 'Moonlight-42' });
+    // What a fresh browser that got `state` shows of the store, and what it asked the store for.
+    async function visit(state, picture) {
+      await store.forgetRequests();
+      return withBrowser(store.keyDigest, async (browser) => {
+        await equip(browser, state);
+        await browser.visit(state.storeUrl);
+        writeFileSync(join(buildFolder, picture), await browser.screenshot());
+        const page = await browser.evaluate(readPage);
+        return { page, request: pageRequest(await store.requests()) };
+      });
+    }
 
+    async function signedInDevice(storeCode, person) {
+      const root = mkdtempSync(join(folder, 'device-'));
+      const device = new Device({ programs: buildFolder, library, root, store });
+      await device.signIn(storeCode, { ...person, password: 'Moonlight-42' });
+      return device;
+    }
+
+    for (const customer of customers) {
+      const { storeCode, person, storeUrl, locale, price } = customer;
+      test(`the page of ${storeCode} greets the customer until the sign-out`, async () => {
+        const device = await signedInDevice(storeCode, person);
         const state = await device.browserState();
         assert.equal(state.isLoggedIn, true);
         assert.equal(state.storeUrl, storeUrl);
-        assert.equal(state.headers.Cookie, customer.cookieHeader);
-        const { page, request } = await visit(state, `${line}-${storeCode}-signed-in.png`);
-        assert.deepEqual(page, {
+        assertComplete(state, customer, line === 'old' ? ['x-magento-cache-id'] : []);
+        const greeting = await visit(state, `${line}-${storeCode}-signed-in.png`);
+        assert.deepEqual(greeting.page, {
           locale,
           price,
           heading: customer.greeting,
           isSignedIn: 'true',
           customer: person.email,
           serialNumber: state.cookies['orvane-serial-number'],
-          cacheId: line === 'old' ? state.cookies['x-magento-cache-id'] : '',
+          cacheId: state.cookies['x-magento-cache-id'] ?? '',
         });
-        assert.deepEqual(request.cookies, Object.entries(allCookies(state)).sort());
-        const sent = new Map(request.headers);
-        for (const [name, value] of Object.entries(allHeaders(state))) {
-          assert.equal(sent.get(name.toLowerCase()), value, name);
-        }
 
         await device.signOut();
         const signedOut = await device.browserState();
         assert.deepEqual(signedOut, { cookies: {}, headers: {}, storeUrl, isLoggedIn: false });
-        const { page: laterPage } = await visit(signedOut, `${line}-${storeCode}-signed-out.png`);
-        assert.equal(laterPage.isSignedIn, 'false');
-        assert.equal(laterPage.heading, customer.nobody);
-        assert.equal(laterPage.customer ?? '', '');
+        const parting = await visit(signedOut, `${line}-${storeCode}-signed-out.png`);
+        assert.deepEqual(parting.page, {
+          locale,
+          price,
+          heading: customer.nobody,
+          isSignedIn: 'false',
+          customer: '',
+          serialNumber: '',
+          cacheId: '',
+        });
+
+        assertBare(parting.request, state);
+        assertCarried(greeting.request, state, parting.request);
       });
     }
 
-    test('the page shows nobody to a browser whose token is another', async () => {
-      const root = join(folder, 'forged');
-      const device = new Device({ programs: buildFolder, library, root, store });
-      const person = { email: 'forged@example.org', firstname: 'Eve', lastname: 'Forge' };
-      await device.signIn('en_gb', { ...person, password: 'Moonlight-42' });
+    test('the page shows nobody to a browser with another token', async () => {
+      const person = { email: 'eve@example.org', firstname: 'Eve', lastname: 'Forge' };
+      const device = await signedInDevice('en_gb', person);
       const state = await device.browserState();
       state.cookies['orvane-customer'] += 'x';
       const { page } = await visit(state, `${line}-forged.png`);
+      assert.equal(page.heading, 'Nobody is signed in');
       assert.equal(page.isSignedIn, 'false');
+      assert.equal(page.customer, '');
+    });
+
+    test('a browser that does not trust the key of the store shows no page', async () => {
+      const noKey = Buffer.alloc(32).toString('base64');
+      await store.forgetRequests();
+      await withBrowser(noKey, async (browser) => {
+        await browser.visit('https://de.bookstore.example/');
+        const shown = await browser.evaluate('return document.body.textContent');
+        assert.match(shown, /ERR_CERT_AUTHORITY_INVALID/);
+      });
+      assert.deepEqual(await store.requests(), []);
     });
   });
 }

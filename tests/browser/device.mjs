@@ -1,5 +1,5 @@
-// A reader: a root folder of its own, and the programs that call the library in it, each in a process
-// of its own.
+// A reader: a root folder of its own, and the programs that call the library in it, each in its own
+// process.
 import { join } from 'node:path';
 
 import { outputOf } from './processes.mjs';

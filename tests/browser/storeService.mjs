@@ -4,10 +4,11 @@ import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
-import { outputOf } from './processes.mjs';
+import { outputOf, timeLimit } from './processes.mjs';
 
 const script = fileURLToPath(new URL('../../scripts/store', import.meta.url));
 const answerMilliseconds = 10000;
+const stopMilliseconds = 15000;
 
 export class StoreService {
   #state;
@@ -24,7 +25,7 @@ export class StoreService {
   }
 
   async stop() {
-    await outputOf(script, ['stop', '--state', this.#state]);
+    await outputOf(script, ['stop', '--state', this.#state], { timeout: stopMilliseconds });
   }
 
   get port() {
@@ -52,7 +53,7 @@ export class StoreService {
   }
 
   async #control(method, path) {
-    const signal = AbortSignal.timeout(answerMilliseconds);
+    const signal = AbortSignal.timeout(timeLimit(answerMilliseconds));
     const answer = await fetch(`${this.#fields.control}${path}`, { method, signal });
     if (!answer.ok) throw new Error(`${method} ${path}: ${await answer.text()}`);
     return answer.json();

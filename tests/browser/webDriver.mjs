@@ -1,13 +1,12 @@
 // A small WebDriver client, and the ChromeDriver process that it talks to. ChromeDriver comes from
 // the same Debian source as Chromium, so that the two always fit each other.
 import { spawn } from 'node:child_process';
-import { once } from 'node:events';
 
-import { environmentWith } from './processes.mjs';
+import { environmentWith, timeLimit } from './processes.mjs';
 
 const startMilliseconds = 20000;
 const answerMilliseconds = 30000;
-const stopMilliseconds = 5000;
+const closeMilliseconds = 5000;
 
 function commandLine({ profile, storePort, keyDigest }) {
   return [
@@ -20,15 +19,12 @@ function commandLine({ profile, storePort, keyDigest }) {
     '--disable-component-update',
     '--disable-sync',
     '--no-first-run',
+    '--hide-scrollbars',
     '--window-size=1000,1100',
     `--user-data-dir=${profile}`,
     `--host-resolver-rules=MAP *.bookstore.example 127.0.0.1:${storePort}, MAP * ~NOTFOUND`,
     `--ignore-certificate-errors-spki-list=${keyDigest}`,
   ];
-}
-
-function hasEnded({ exitCode, signalCode }) {
-  return exitCode !== null || signalCode !== null;
 }
 
 export class ChromeDriver {
@@ -40,6 +36,7 @@ export class ChromeDriver {
     this.#process = spawn('chromedriver', ['--port=0'], {
       env: environmentWith({ HOME: folder, TMPDIR: folder, XDG_CONFIG_HOME: folder }),
       stdio: ['ignore', 'pipe', 'ignore'],
+      detached: true, // a process group of its own, which its browsers join
     });
     this.#address = `http://127.0.0.1:${await this.#announcedPort()}`;
   }
@@ -49,7 +46,7 @@ export class ChromeDriver {
     return new Promise((resolve, reject) => {
       const fail = (reason) =>
         reject(new Error(`chromedriver ${reason}; try: apt-get install chromium chromium-driver`));
-      setTimeout(() => fail('told no port in time'), startMilliseconds).unref();
+      setTimeout(() => fail('told no port in time'), timeLimit(startMilliseconds)).unref();
       this.#process.on('error', (error) => fail(`did not start (${error.message})`));
       this.#process.on('exit', () => fail('ended'));
       let said = '';
@@ -61,16 +58,19 @@ export class ChromeDriver {
     });
   }
 
-  async stop() {
-    if (!this.#process?.pid || hasEnded(this.#process)) return;
-    const ended = once(this.#process, 'exit', { signal: AbortSignal.timeout(stopMilliseconds) });
-    this.#process.kill();
-    await ended.catch(() => this.#process.kill('SIGKILL'));
+  // Ends the driver and every browser that it still has, also when they hang.
+  stop() {
+    if (!this.#process?.pid) return;
+    try {
+      process.kill(-this.#process.pid, 'SIGKILL');
+    } catch (error) {
+      if (error.code !== 'ESRCH') throw error;
+    }
   }
 
   // Starts a browser that has never been used; see commandLine() for the options.
   async open(options) {
-    const { sessionId, capabilities } = await this.command('POST', '/session', {
+    const { sessionId } = await this.command('POST', '/session', {
       capabilities: {
         alwaysMatch: {
           timeouts: { pageLoad: 20000, script: 10000 },
@@ -78,14 +78,14 @@ export class ChromeDriver {
         },
       },
     });
-    return new Browser(this, sessionId, capabilities['goog:processID']);
+    return new Browser(this, sessionId);
   }
 
-  async command(method, path, body) {
+  async command(method, path, body, milliseconds = answerMilliseconds) {
     const answer = await fetch(`${this.#address}${path}`, {
       method,
       body: body && JSON.stringify(body),
-      signal: AbortSignal.timeout(answerMilliseconds),
+      signal: AbortSignal.timeout(timeLimit(milliseconds)),
     });
     const { value } = await answer.json();
     if (!answer.ok) throw new Error(`${method} ${path}: ${value.error}: ${value.message}`);
@@ -96,21 +96,14 @@ export class ChromeDriver {
 class Browser {
   #driver;
   #path;
-  #process;
 
-  constructor(driver, session, processId) {
+  constructor(driver, session) {
     this.#driver = driver;
     this.#path = `/session/${session}`;
-    this.#process = processId;
   }
 
   async close() {
-    try {
-      await this.#driver.command('DELETE', this.#path);
-    } catch (error) {
-      process.kill(this.#process, 'SIGKILL');
-      throw error;
-    }
+    await this.#driver.command('DELETE', this.#path, undefined, closeMilliseconds);
   }
 
   // A command of the browser's debugging protocol.
