@@ -40,7 +40,7 @@ class SamplesTest : public OperationTest {
   SampleMetadata priced(const std::string& finalValue, const std::string& regularValue,
                         const std::string& currency = "\"EUR\"") {
     return pricesOf(R"({"uid":"MTIz","price_range":{"minimum_price":{"final_price":{"value":)" +
-                    finalValue + R"(,"currency":"XXX"},"regular_price":{"value":)" + regularValue +
+                    finalValue + R"(,"currency":"NOK"},"regular_price":{"value":)" + regularValue +
                     R"(,"currency":)" + currency + "}}}}");
   }
 };
