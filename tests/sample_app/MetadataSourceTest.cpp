@@ -174,7 +174,7 @@ TEST_F(MetadataSourceTest, WithoutARefreshTokenTheSessionHasEnded) {
 TEST_F(MetadataSourceTest, TheTokenThatAnotherProgramRefreshedIsUsed) {
   refuse();
   answerBook("b1");
-  platform().http.beforeSending = [this](const std::string&) {
+  platform().http.beforeSending = [](const std::string&) {
     platform().config.setSecret(kTokenPath, "fakeAccess", "theirs");
   };
   EXPECT_EQ(find().outcome, Outcome::Found);
