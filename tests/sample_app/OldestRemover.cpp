@@ -1,0 +1,12 @@
+// Removes the oldest item of the queue as a worker does, for a test that kills it meanwhile. The
+// call of getppid() marks where that begins.
+
+#include <unistd.h>
+
+#include "sample_app/WorkQueue.h"
+
+int main() {
+  sample_app::WorkQueue queue;
+  ::getppid();
+  return queue.recover() && queue.removeOldest(*queue.oldest()) ? 0 : 1;
+}
