@@ -115,7 +115,6 @@ std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
   if (!isSignedIn() || storage_->refreshToken().empty()) {
     return without(Outcome::SignedOut, "the session has ended");
   }
-  failedStatus_ = 0;
   const GraphQLStorageApi::LoginInfo login =
       api_.refreshTokens(storage_->currentStore(), storage_->refreshToken());
   if (login.errorInfo.error == 0 && !login.accessToken.empty()) {

@@ -1,10 +1,10 @@
 // The application as the library starts it, over HTTPS against the store service.
 
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>

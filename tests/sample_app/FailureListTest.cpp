@@ -4,7 +4,6 @@
 
 using sample_app::kFailureListPath;
 using sample_app::listFailure;
-using ::testing::IsEmpty;
 using ::testing::MatchesRegex;
 using ::testing::SizeIs;
 

@@ -94,6 +94,15 @@ TEST_F(MetadataSourceTest, NoBookWithoutAnAnswerAboutTheSessionIsUnreachable) {
   EXPECT_EQ(find().outcome, Outcome::Unreachable);
 }
 
+TEST_F(MetadataSourceTest, AnEarlierFailureDoesNotCountForTheNextBook) {
+  MetadataSource source(storage);
+  platform().http.answer(503, "");
+  EXPECT_EQ(source.find("b1").outcome, Outcome::Unreachable);
+  answerNoBook();
+  answerCustomer();
+  EXPECT_EQ(source.find("b1").outcome, Outcome::Unknown);
+}
+
 TEST_F(MetadataSourceTest, AnAnswerThatCannotBeReadIsUnknown) {
   platform().http.answer(200, R"({"data":{"productDetails":{"product":{"uid":{}}}}})");
   EXPECT_EQ(find().outcome, Outcome::Unknown);
@@ -180,4 +189,13 @@ TEST_F(MetadataSourceTest, TheTokenThatAnotherProgramRefreshedIsUsed) {
   EXPECT_EQ(find().outcome, Outcome::Found);
   EXPECT_THAT(asked(), ElementsAre("productDetails", "productDetails"));
   EXPECT_EQ(tokenOf(1), "Bearer theirs");
+}
+
+TEST_F(MetadataSourceTest, WhoSignedOutMeanwhileStaysSignedOut) {
+  refuse();
+  platform().http.beforeSending = [this](const std::string&) {
+    platform().config.setSecret(kTokenPath, "fakeAccess", "");
+  };
+  EXPECT_EQ(find().outcome, Outcome::SignedOut);
+  EXPECT_THAT(asked(), ElementsAre("productDetails"));
 }

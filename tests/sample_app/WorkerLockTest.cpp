@@ -46,10 +46,12 @@ TEST_F(WorkerLockTest, FollowsNoLinkAndTakesNoFolder) {
   std::filesystem::create_symlink(root.at("/victim"), kWorkerLockPath);
   EXPECT_EQ(WorkerLock().state(), WorkerLock::State::Failed);
   EXPECT_FALSE(std::filesystem::exists(root.at("/victim")));
+  root.put("/victim", "");
+  EXPECT_EQ(WorkerLock().state(), WorkerLock::State::Failed);
   std::filesystem::remove(kWorkerLockPath);
   std::filesystem::create_directory(kWorkerLockPath);
   EXPECT_EQ(WorkerLock().state(), WorkerLock::State::Failed);
-  EXPECT_EQ(platform().logTexts(kFailureLevel).size(), 2U);
+  EXPECT_EQ(platform().logTexts(kFailureLevel).size(), 3U);
 }
 
 TEST_F(WorkerLockTest, APipeDoesNotHoldItUp) {
