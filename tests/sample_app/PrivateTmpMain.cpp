@@ -1,4 +1,5 @@
-// Runs the tests in a /tmp of their own. What was built stays in sight, should it live there.
+// Runs the tests in a /tmp of their own. Scripts and programs stay in sight, should
+// they live there.
 
 #include <gtest/gtest.h>
 
@@ -7,7 +8,7 @@
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
   if (!::testing::GTEST_FLAG(list_tests)) {
-    support::enterPrivateTmp(BUILD_FOLDER);
+    support::enterPrivateTmp({SOURCE_FOLDER, BUILD_FOLDER});
   }
   return RUN_ALL_TESTS();
 }

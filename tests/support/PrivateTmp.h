@@ -14,14 +14,16 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace support {
 
 // Gives this process, and those that it starts, a mount namespace of their own with an empty /tmp
 // in memory. Without root it becomes root of a user namespace. Throws std::runtime_error when the
-// system allows neither. Call it before any thread is started. `kept`, if it is a folder below
-// /tmp, stays in sight there.
-inline void enterPrivateTmp(const std::string& kept = std::string()) {
+// system allows neither. Call it before any thread is started. Those of the folders `kept` that lie
+// below /tmp stay in sight there.
+inline void enterPrivateTmp(const std::vector<std::string>& kept = {}) {
   const auto require = [](bool done, const char* what) {
     if (!done) {
       throw std::runtime_error(std::string("no /tmp of its own: ") + what + ": " +
@@ -36,14 +38,19 @@ inline void enterPrivateTmp(const std::string& kept = std::string()) {
     std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
   }
   require(::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "private mounts");
-  const int keptFolder =
-      kept.compare(0, 5, "/tmp/") == 0 ? ::open(kept.c_str(), O_PATH | O_DIRECTORY) : -1;
+  std::vector<std::pair<std::string, int>> folders;
+  for (const std::string& folder : kept) {
+    if (folder.compare(0, 5, "/tmp/") == 0) {
+      folders.emplace_back(folder, ::open(folder.c_str(), O_PATH | O_DIRECTORY));
+    }
+  }
   require(::mount("tmpfs", "/tmp", "tmpfs", 0, "size=300m,mode=1777") == 0, "tmpfs");
-  if (keptFolder >= 0) {
-    const std::string source = "/proc/self/fd/" + std::to_string(keptFolder);
-    std::filesystem::create_directories(kept);
-    require(::mount(source.c_str(), kept.c_str(), nullptr, MS_BIND, nullptr) == 0, "kept folder");
-    ::close(keptFolder);
+  for (const auto& folder : folders) {
+    const std::string source = "/proc/self/fd/" + std::to_string(folder.second);
+    std::filesystem::create_directories(folder.first);
+    require(::mount(source.c_str(), folder.first.c_str(), nullptr, MS_BIND, nullptr) == 0,
+            "kept folder");
+    ::close(folder.second);
   }
 }
 
