@@ -193,7 +193,7 @@ TEST_F(MetadataSourceTest, TheTokenThatAnotherProgramRefreshedIsUsed) {
 
 TEST_F(MetadataSourceTest, WhoSignedOutMeanwhileStaysSignedOut) {
   refuse();
-  platform().http.beforeSending = [this](const std::string&) {
+  platform().http.beforeSending = [](const std::string&) {
     platform().config.setSecret(kTokenPath, "fakeAccess", "");
   };
   EXPECT_EQ(find().outcome, Outcome::SignedOut);
