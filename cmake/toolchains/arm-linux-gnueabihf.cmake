@@ -1,0 +1,6 @@
+# Debian's armhf: 32-bit ARMv7 with hardware floating point.
+set(architecture armhf)
+set(CMAKE_SYSTEM_PROCESSOR armv7l)
+set(triple arm-linux-gnueabihf)
+set(emulator qemu-arm)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
