@@ -34,21 +34,21 @@ bool isRefusal(int status) {
   return status == kUnauthorized || status == kForbidden;
 }
 
-// The library puts the text into the query as it is: another one could change what is asked for
-// in the customer's name.
-bool canBeAsked(const std::string& bookId) {
-  return !bookId.empty() && bookId.size() <= kLongestBookId &&
-         std::all_of(bookId.begin(), bookId.end(), [](char character) {
-           return character > ' ' && character < '\x7f' && character != '"' && character != '\\';
-         });
-}
-
 Lookup unreadable(const Json::Exception& exception) {
   return without(Outcome::Unknown,
                  std::string("the store's answer cannot be read: ") + exception.what());
 }
 
 }  // namespace
+
+const char kNoIdentifier[] = "the book's identifier is not one that a store gives";
+
+bool canBeAsked(const std::string& bookId) {
+  return !bookId.empty() && bookId.size() <= kLongestBookId &&
+         std::all_of(bookId.begin(), bookId.end(), [](char character) {
+           return character > ' ' && character < '\x7f' && character != '"' && character != '\\';
+         });
+}
 
 MetadataSource::MetadataSource(std::shared_ptr<GraphQLStorageApi> storage)
     : storage_(std::move(storage)), api_(storage_) {
@@ -57,7 +57,7 @@ MetadataSource::MetadataSource(std::shared_ptr<GraphQLStorageApi> storage)
 
 Lookup MetadataSource::find(const std::string& bookId) {
   if (!canBeAsked(bookId)) {
-    return without(Outcome::Unknown, "the book's identifier is not one that a store gives");
+    return without(Outcome::Unknown, kNoIdentifier);
   }
   storage_->reload();
   if (!isSignedIn()) {
@@ -106,7 +106,7 @@ Lookup MetadataSource::checkSession() {
 std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
   const host::FileLock lock(host::hostPath(kSession));
   if (lock.failure()) {
-    return without(Outcome::Unreachable, "the session cannot be locked: " + lock.failure().text());
+    return without(Outcome::Unlocked, "the session cannot be locked: " + lock.failure().text());
   }
   storage_->reload();
   if (storage_->accessToken() != refusedToken && isSignedIn()) {
@@ -136,7 +136,7 @@ Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
   if (failedStatus_ == 0 || isRefusal(failedStatus_)) {
     return without(Outcome::SignedOut, "the store refuses the session");
   }
-  return without(Outcome::Unreachable,
+  return without(Outcome::InTrouble,
                  "the store answers with status " + std::to_string(failedStatus_));
 }
 

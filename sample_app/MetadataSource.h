@@ -13,12 +13,21 @@
 
 namespace sample_app {
 
+// Whether a request can carry `bookId` unchanged: the library puts it into the query as it is,
+// where another text could change what is asked for in the customer's name.
+bool canBeAsked(const std::string& bookId);
+
+// Why an item whose book cannot be asked for is set aside.
+extern const char kNoIdentifier[];
+
 class MetadataSource {
  public:
   enum class Outcome {
     Found,
     Unknown,      // the store has no such book: asking again is of no use
-    Unreachable,  // no network, or a server in trouble: later it may work
+    Unreachable,  // no network: later it may work
+    InTrouble,    // the server answers with another status: later it may work
+    Unlocked,     // the session's lock cannot be taken
     SignedOut,    // nobody is signed in, or the session has ended
   };
 

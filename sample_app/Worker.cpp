@@ -4,8 +4,6 @@
 #include <cerrno>
 #include <utility>
 
-#include "host/Log.h"
-#include "host/VisibleText.h"
 #include "sample_app/FailureList.h"
 #include "sample_app/MetadataFile.h"
 #include "sample_app/SamplePath.h"
@@ -16,6 +14,7 @@ namespace sample_app {
 namespace {
 
 constexpr std::chrono::milliseconds kLongestPoll(200);
+const char kNotRemoved[] = "the item cannot be removed from the queue";
 
 // What another attempt can get around, as against a name that is too long or a folder that is
 // read-only.
@@ -27,8 +26,13 @@ bool isTemporary(int error) {
 }  // namespace
 
 Worker::Worker(std::shared_ptr<graphql::GraphQLStorageApi> storage, Waiter& waiter,
-               std::chrono::milliseconds idle, std::chrono::milliseconds firstWait)
-    : source_(std::move(storage)), waiter_(waiter), idle_(idle), backoff_(firstWait) {}
+               WorkListener& listener, std::chrono::milliseconds idle,
+               std::optional<std::chrono::milliseconds> firstWait)
+    : source_(std::move(storage)), waiter_(waiter), listener_(listener), idle_(idle) {
+  if (firstWait) {
+    backoff_.emplace(*firstWait);
+  }
+}
 
 Worker::End Worker::run() {
   while (waiter_.wait(std::chrono::milliseconds(0))) {
@@ -36,7 +40,9 @@ Worker::End Worker::run() {
       case Step::Done:
       case Step::SetAside:
         idled_ = std::chrono::milliseconds(0);
-        backoff_.reset();
+        if (backoff_) {
+          backoff_->reset();
+        }
         break;
       case Step::Empty:
         if (idled_ >= idle_ && queue_.closeIfEmpty()) {
@@ -45,7 +51,10 @@ Worker::End Worker::run() {
         pauseWhileEmpty();
         break;
       case Step::Postponed:
-        waiter_.wait(backoff_.next());
+        if (!backoff_) {
+          return End::Postponed;
+        }
+        waiter_.wait(backoff_->next());
         break;
       case Step::SignedOut:
         return End::SignedOut;
@@ -56,13 +65,14 @@ Worker::End Worker::run() {
 
 Worker::Step Worker::workOnOldest() {
   if (!queue_.recover()) {
-    return postpone("the journal of the queue cannot be used");
+    return postpone(Obstacle::Files, "the journal of the queue cannot be used");
   }
   const std::optional<WorkQueue::Item> item = queue_.oldest();
   return item ? work(*item) : Step::Empty;
 }
 
 Worker::Step Worker::work(const WorkQueue::Item& item) {
+  listener_.begins(item);
   const SamplePath sample = locateSample(item.sampleFilePath);
   if (!sample.isUsable()) {
     return setAside(item, sample.problem);
@@ -74,44 +84,47 @@ Worker::Step Worker::work(const WorkQueue::Item& item) {
     case MetadataSource::Outcome::Unknown:
       return setAside(item, lookup.reason);
     case MetadataSource::Outcome::Unreachable:
-      return postpone(lookup.reason);
+      return postpone(Obstacle::Network, lookup.reason);
+    case MetadataSource::Outcome::InTrouble:
+      return postpone(Obstacle::Server, lookup.reason);
+    case MetadataSource::Outcome::Unlocked:
+      return postpone(Obstacle::Files, lookup.reason);
     case MetadataSource::Outcome::SignedOut:
-      HOST_LOG_FAILURE("The samples stay in the queue: %s; sign in, and add a sample",
-                       lookup.reason.c_str());
+      listener_.signedOut(lookup.reason);
       return Step::SignedOut;
   }
-  const Thumbnail thumbnail = fetchThumbnail(lookup.metadata.thumbnailUrl);
-  if (const host::FileFailure failure =
-          placeMetadata(sample.path, item, lookup.metadata, thumbnail)) {
-    const std::string reason = "the metadata cannot be written: " + failure.text();
-    return isTemporary(failure.error) ? postpone(reason) : setAside(item, reason);
-  }
-  return finish(item, Step::Done);
+  return place(item, sample.path, lookup.metadata);
 }
 
-// The last step on an item: whatever came before is on the disk.
-Worker::Step Worker::finish(const WorkQueue::Item& item, Step step) {
-  if (!queue_.removeOldest(item)) {
-    return postpone("the item cannot be removed from the queue");
+// An item leaves the queue in the last step: whatever came before is on the disk.
+Worker::Step Worker::place(const WorkQueue::Item& item, const std::string& path,
+                           const graphql::GraphQLApi::SampleMetadata& metadata) {
+  listener_.found(metadata);
+  const Thumbnail thumbnail = fetchThumbnail(metadata.thumbnailUrl);
+  if (const host::FileFailure failure = placeMetadata(path, item, metadata, thumbnail)) {
+    const std::string reason = "the metadata cannot be written: " + failure.text();
+    return isTemporary(failure.error) ? postpone(Obstacle::Files, reason) : setAside(item, reason);
   }
-  postponedFor_.clear();
-  return step;
+  if (!queue_.removeOldest(item)) {
+    return postpone(Obstacle::Files, kNotRemoved);
+  }
+  listener_.done(item, metadata, thumbnail);
+  return Step::Done;
 }
 
 Worker::Step Worker::setAside(const WorkQueue::Item& item, const std::string& reason) {
-  HOST_LOG_FAILURE("The sample %s of the book %s is set aside: %s",
-                   host::visibleText(item.sampleFilePath).c_str(),
-                   host::visibleText(item.bookId).c_str(), reason.c_str());
-  return listFailure(item, reason) ? finish(item, Step::SetAside)
-                                   : postpone("the list of failures cannot be written");
+  if (!listFailure(item, reason)) {
+    return postpone(Obstacle::Files, "the list of failures cannot be written");
+  }
+  if (!queue_.removeOldest(item)) {
+    return postpone(Obstacle::Files, kNotRemoved);
+  }
+  listener_.setAside(item, reason);
+  return Step::SetAside;
 }
 
-// Attempts can go on for days: only a new reason is worth a line.
-Worker::Step Worker::postpone(const std::string& reason) {
-  if (reason != postponedFor_) {
-    HOST_LOG_FAILURE("The samples wait: %s; it is tried again", reason.c_str());
-    postponedFor_ = reason;
-  }
+Worker::Step Worker::postpone(Obstacle obstacle, const std::string& reason) {
+  listener_.postponed(obstacle, reason);
   return Step::Postponed;
 }
 

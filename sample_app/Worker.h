@@ -6,12 +6,14 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "graphql_api/GraphQLStorageApi.h"
 #include "sample_app/Backoff.h"
 #include "sample_app/MetadataSource.h"
 #include "sample_app/Waiter.h"
+#include "sample_app/WorkListener.h"
 #include "sample_app/WorkQueue.h"
 
 namespace sample_app {
@@ -31,35 +33,38 @@ class Worker {
   };
 
   // Why run() returned.
-  enum class End { Drained, SignedOut, Asked };
+  enum class End { Drained, Postponed, SignedOut, Asked };
 
-  // Keeps a reference to `waiter`. `idle` is how long the queue has to stay empty before run()
-  // leaves, `firstWait` the first wait after a postponed item.
+  // Keeps references to `waiter` and `listener`. `idle` is how long the queue has to stay empty
+  // before run() leaves, `firstWait` the first wait after a postponed item: without one run()
+  // leaves then.
   Worker(std::shared_ptr<graphql::GraphQLStorageApi> storage, Waiter& waiter,
-         std::chrono::milliseconds idle, std::chrono::milliseconds firstWait);
+         WorkListener& listener, std::chrono::milliseconds idle,
+         std::optional<std::chrono::milliseconds> firstWait);
 
   // Works until the queue stays empty, nobody is signed in, or the waiter says that the process
   // shall end, which is looked at between the steps. After Drained the queue is locked until this
   // object, or better the process, is gone: see WorkQueue::closeIfEmpty().
   End run();
 
-  // Works on the oldest item. Why an item was not done is logged.
+  // Works on the oldest item.
   Step workOnOldest();
 
  private:
   Step work(const WorkQueue::Item& item);
-  Step finish(const WorkQueue::Item& item, Step step);
+  Step place(const WorkQueue::Item& item, const std::string& path,
+             const graphql::GraphQLApi::SampleMetadata& metadata);
   Step setAside(const WorkQueue::Item& item, const std::string& reason);
-  Step postpone(const std::string& reason);
+  Step postpone(Obstacle obstacle, const std::string& reason);
   void pauseWhileEmpty();
 
   WorkQueue queue_;
   MetadataSource source_;
   Waiter& waiter_;
+  WorkListener& listener_;
   const std::chrono::milliseconds idle_;
   std::chrono::milliseconds idled_{0};
-  Backoff backoff_;
-  std::string postponedFor_;  // the reason that was logged last; empty after a success
+  std::optional<Backoff> backoff_;
 };
 
 }  // namespace sample_app

@@ -9,6 +9,7 @@
 
 #include "graphql_api/GraphQLStorageApi.h"
 #include "host/Log.h"
+#include "sample_app/LogListener.h"
 #include "sample_app/Settings.h"
 #include "sample_app/SignalWaiter.h"
 #include "sample_app/Worker.h"
@@ -27,7 +28,8 @@ int work() {
     case sample_app::WorkerLock::State::Failed:
       return EXIT_FAILURE;
   }
-  sample_app::Worker worker(std::make_shared<graphql::GraphQLStorageApi>(), waiter,
+  sample_app::LogListener listener;
+  sample_app::Worker worker(std::make_shared<graphql::GraphQLStorageApi>(), waiter, listener,
                             sample_app::idleTime(), sample_app::firstWait());
   worker.run();
   // Now, with the lock of the drained queue: one that is dropped before the process is gone would

@@ -61,11 +61,11 @@ TEST_F(MetadataSourceTest, AFailedTransferIsUnreachable) {
   EXPECT_THAT(asked(), ElementsAre("productDetails"));
 }
 
-TEST_F(MetadataSourceTest, AServerInTroubleIsUnreachable) {
+TEST_F(MetadataSourceTest, AnotherStatusIsAServerInTrouble) {
   for (const long status : {500L, 503L, 429L, 404L, 302L}) {
     platform().http.answer(status, "<html>");
     const auto lookup = find();
-    EXPECT_EQ(lookup.outcome, Outcome::Unreachable) << status;
+    EXPECT_EQ(lookup.outcome, Outcome::InTrouble) << status;
     EXPECT_THAT(lookup.reason, HasSubstr(std::to_string(status)));
   }
 }
@@ -86,18 +86,18 @@ TEST_F(MetadataSourceTest, NoBookInAWorkingSessionIsUnknown) {
   EXPECT_THAT(asked(), ElementsAre("productDetails", "customer"));
 }
 
-TEST_F(MetadataSourceTest, NoBookWithoutAnAnswerAboutTheSessionIsUnreachable) {
+TEST_F(MetadataSourceTest, NoBookWithoutAnAnswerAboutTheSessionWaits) {
   answerNoBook();
   EXPECT_EQ(find().outcome, Outcome::Unreachable);
   answerNoBook();
   platform().http.answer(503, "");
-  EXPECT_EQ(find().outcome, Outcome::Unreachable);
+  EXPECT_EQ(find().outcome, Outcome::InTrouble);
 }
 
 TEST_F(MetadataSourceTest, AnEarlierFailureDoesNotCountForTheNextBook) {
   MetadataSource source(storage);
   platform().http.answer(503, "");
-  EXPECT_EQ(source.find("b1").outcome, Outcome::Unreachable);
+  EXPECT_EQ(source.find("b1").outcome, Outcome::InTrouble);
   answerNoBook();
   answerCustomer();
   EXPECT_EQ(source.find("b1").outcome, Outcome::Unknown);
@@ -164,13 +164,23 @@ TEST_F(MetadataSourceTest, ARefusedRefreshIsTheEndOfTheSession) {
   EXPECT_EQ(find().outcome, Outcome::SignedOut);
 }
 
-TEST_F(MetadataSourceTest, ARefreshWithoutANetworkIsUnreachable) {
+TEST_F(MetadataSourceTest, ARefreshThatDoesNotGetThroughKeepsTheTokens) {
   refuse();
   EXPECT_EQ(find().outcome, Outcome::Unreachable);
   refuse();
   platform().http.answer(503, R"({"code":401})");
-  EXPECT_EQ(find().outcome, Outcome::Unreachable);
+  EXPECT_EQ(find().outcome, Outcome::InTrouble);
   EXPECT_EQ(tokenFile()["fakeRefresh"], "refresh");
+}
+
+TEST_F(MetadataSourceTest, WithoutTheLockOfTheSessionNothingIsRefreshed) {
+  std::filesystem::create_directories(
+      root.at("/mnt/ext1/system/config/.bookstore.cfg.session.lock/in the way"));
+  refuse();
+  const auto lookup = find();
+  EXPECT_EQ(lookup.outcome, Outcome::Unlocked);
+  EXPECT_THAT(lookup.reason, HasSubstr("the session cannot be locked: "));
+  EXPECT_THAT(asked(), ElementsAre("productDetails"));
 }
 
 TEST_F(MetadataSourceTest, WithoutARefreshTokenTheSessionHasEnded) {

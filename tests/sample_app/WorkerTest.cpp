@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "sample_app/LogListener.h"
 #include "tests/sample_app/SampleAppTest.h"
 
 using sample_app::kJournalPath;
@@ -13,8 +14,11 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 using End = sample_app::Worker::End;
 using Step = sample_app::Worker::Step;
+using Metadata = graphql::GraphQLApi::SampleMetadata;
+using sample_app::Obstacle;
 
 namespace {
 
@@ -40,8 +44,38 @@ class FakeWaiter : public sample_app::Waiter {
   std::function<void(std::size_t count)> onWait;
 };
 
+// Keeps what it is told, a line each.
+class RecordingListener : public sample_app::WorkListener {
+ public:
+  void begins(const Item& item) override { told.push_back("begins " + item.bookId); }
+  void found(const Metadata& metadata) override { told.push_back("found " + metadata.name); }
+  void done(const Item& item, const Metadata& metadata,
+            const sample_app::Thumbnail& thumbnail) override {
+    told.push_back("done " + item.bookId + " " + metadata.price +
+                   (thumbnail.isThere() ? "" : " without a picture"));
+  }
+  void setAside(const Item& item, const std::string& reason) override {
+    told.push_back("set aside " + item.bookId + ": " + reason);
+  }
+  void postponed(Obstacle obstacle, const std::string& reason) override {
+    told.push_back("postponed " + std::to_string(static_cast<int>(obstacle)) + ": " + reason);
+  }
+  void signedOut(const std::string& reason) override { told.push_back("signed out: " + reason); }
+
+  std::vector<std::string> told;
+};
+
 class WorkerTest : public SampleAppTest {
  protected:
+  // What a listener hears of a worker that does not wait.
+  std::vector<std::string> hear(End end) {
+    RecordingListener recording;
+    Worker impatient(storage, waiter, recording, milliseconds(0), std::nullopt);
+    EXPECT_EQ(impatient.run(), end);
+    EXPECT_THAT(waiter.waits, IsEmpty());
+    return recording.told;
+  }
+
   Json::Value metadataOf(const std::string& path) {
     return parseJson(root.contentOf(path + ".json"));
   }
@@ -49,7 +83,8 @@ class WorkerTest : public SampleAppTest {
   std::vector<std::string> told() { return platform().logTexts(kFailureLevel); }
 
   FakeWaiter waiter;
-  Worker worker{storage, waiter, kIdle, kFirstWait};
+  sample_app::LogListener listener;
+  Worker worker{storage, waiter, listener, kIdle, kFirstWait};
 };
 
 }  // namespace
@@ -220,4 +255,34 @@ TEST_F(WorkerTest, EndsBetweenTwoItemsWhenAsked) {
   EXPECT_EQ(worker.run(), End::Asked);
   EXPECT_THAT(platform().http.requests, IsEmpty());
   EXPECT_THAT(queued(), SizeIs(1));
+}
+
+// --- A worker that somebody watches --------------------------------------------------------------
+
+TEST_F(WorkerTest, TellsItsListenerOfEachItemInsteadOfTheLog) {
+  queueHolds({{"b1", "/mnt/ext1/books/1"}, {"b2", "no path"}});
+  answerBook("b1");
+  EXPECT_THAT(hear(End::Drained),
+              ElementsAre("begins b1", "found Title of b1", "done b1 EUR 7.50 without a picture",
+                          "begins b2", StartsWith("set aside b2: the path of the sample file is")));
+  EXPECT_THAT(told(), IsEmpty());
+}
+
+TEST_F(WorkerTest, WithoutAFirstWaitItLeavesAtAnItemThatHasToWait) {
+  queueHolds({{"b1", "/mnt/ext1/books/1"}, {"b2", "/mnt/ext1/books/2"}});
+  EXPECT_THAT(hear(End::Postponed),
+              ElementsAre("begins b1", "postponed 0: the store cannot be reached"));
+  platform().http.answer(503, "");
+  EXPECT_THAT(hear(End::Postponed),
+              ElementsAre("begins b1", "postponed 1: the store answers with status 503"));
+  root.put(kJournalPath + std::string("/in the way"), "");
+  EXPECT_THAT(hear(End::Postponed),
+              ElementsAre("postponed 2: the journal of the queue cannot be used"));
+  EXPECT_THAT(queued(), SizeIs(2));
+}
+
+TEST_F(WorkerTest, TellsItsListenerThatNobodyIsSignedIn) {
+  storage->logoutOnlyFromStore();
+  queueHolds({{"b1", "/mnt/ext1/books/1"}});
+  EXPECT_THAT(hear(End::SignedOut), ElementsAre("begins b1", "signed out: nobody is signed in"));
 }

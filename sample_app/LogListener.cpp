@@ -1,0 +1,38 @@
+#include "sample_app/LogListener.h"
+
+#include "host/Log.h"
+#include "host/VisibleText.h"
+
+using graphql::GraphQLApi;
+
+namespace sample_app {
+
+void LogListener::begins(const WorkQueue::Item&) {}
+
+void LogListener::found(const GraphQLApi::SampleMetadata&) {}
+
+void LogListener::done(const WorkQueue::Item&, const GraphQLApi::SampleMetadata&,
+                       const Thumbnail&) {
+  postponedFor_.clear();
+}
+
+void LogListener::setAside(const WorkQueue::Item& item, const std::string& reason) {
+  HOST_LOG_FAILURE("The sample %s of the book %s is set aside: %s",
+                   host::visibleText(item.sampleFilePath).c_str(),
+                   host::visibleText(item.bookId).c_str(), reason.c_str());
+  postponedFor_.clear();
+}
+
+// Attempts can go on for days: only a new reason is worth a line.
+void LogListener::postponed(Obstacle, const std::string& reason) {
+  if (reason != postponedFor_) {
+    HOST_LOG_FAILURE("The samples wait: %s; it is tried again", reason.c_str());
+    postponedFor_ = reason;
+  }
+}
+
+void LogListener::signedOut(const std::string& reason) {
+  HOST_LOG_FAILURE("The samples stay in the queue: %s; sign in, and add a sample", reason.c_str());
+}
+
+}  // namespace sample_app
