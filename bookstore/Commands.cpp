@@ -19,6 +19,10 @@ Option requiredChoice(const std::string& name, const std::string& value,
   return {name, "", value, choices, true, description};
 }
 
+Option argument(const std::string& name, const std::string& description) {
+  return required(name, name, description);
+}
+
 Option storeOption() {
   return {"--store", "",    "ID",
           {},        false, "The store; without it the current one, or the only one known"};
@@ -109,9 +113,48 @@ std::vector<Command> browserCommands() {
   };
 }
 
+std::vector<Command> sampleCommands() {
+  const Option book = argument("BOOK", "The book: the uid of a product of the store");
+  return {
+      {"sample",
+       "Queue the samples of books, look at the queue, and work it through",
+       Sends::Never,
+       {},
+       nullptr},
+      {"sample add",
+       "Queue a sample, and start the background application",
+       Sends::Never,
+       {book, argument("FILE", "The sample's file, by its path on the device")},
+       runSampleAdd},
+      {"sample list", "List the queue, the oldest sample first", Sends::Never, {}, runSampleList},
+      {"sample next", "Show the oldest sample of the queue", Sends::Never, {}, runSampleNext},
+      {"sample remove",
+       "Remove the oldest sample of a book from the queue",
+       Sends::Never,
+       {book},
+       runSampleRemove},
+      {"sample info",
+       "Ask a store for title, author, price and picture of a book",
+       Sends::Always,
+       {book, storeOption()},
+       runSampleInfo},
+      {"sample price",
+       "Ask a store for the price of a book",
+       Sends::Always,
+       {book, storeOption()},
+       runSamplePrice},
+      {"sample work",
+       "Work the queue through, as the background application does",
+       Sends::Always,
+       {},
+       runSampleWork},
+  };
+}
+
 std::vector<Command> allCommands() {
   std::vector<Command> all;
-  for (const std::vector<Command>& some : {stateCommands(), accountCommands(), browserCommands()}) {
+  for (const std::vector<Command>& some :
+       {stateCommands(), accountCommands(), browserCommands(), sampleCommands()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

@@ -10,7 +10,7 @@ const std::vector<ExitStatus>& exitStatuses() {
       {kTransferFailed, "the transfer failed"},
       {kBadStatus, "the HTTP status was not 200"},
       {kNoData, "the answer lacked the expected data"},
-      {kNoSession, "not signed in, or no store"},
+      {kNoSession, "not signed in, no store, or no sample"},
       {kLocalFailure, "a local file, the queue or the output failed"},
   };
   return all;

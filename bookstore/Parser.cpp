@@ -27,7 +27,8 @@ void addOption(CLI::App* app, const Option& option, Arguments* arguments) {
       namesOf(option),
       [arguments, &option](const std::string& value) { arguments->set(option.name, value); },
       option.description);
-  added->type_name(option.value)->required(option.isRequired);
+  const bool isPositional = option.name.front() != '-';
+  added->type_name(isPositional ? "" : option.value)->required(option.isRequired);
   if (!option.choices.empty()) {
     added->check(CLI::IsMember(option.choices));
   }

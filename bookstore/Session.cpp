@@ -2,9 +2,18 @@
 
 #include "bookstore/DeviceFiles.h"
 
+using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
 
 namespace bookstore {
+
+namespace {
+
+constexpr int kUnauthorized = 401;
+constexpr int kForbidden = 403;
+const char kHowToGoOn[] = "bookstore refresh, or sign in again";
+
+}  // namespace
 
 SessionLock::SessionLock(const Context& context) {
   if (context.arguments.has("--dry-run")) {
@@ -19,6 +28,25 @@ SessionLock::SessionLock(const Context& context) {
 
 Failure notSignedIn() {
   return Failure(kNoSession, "not signed in: there is no access token", "bookstore sign-in");
+}
+
+void requireAnswer(const FailureListener& listener, GraphQLApi::ApiError error,
+                   const std::string& url, const std::string& lack) {
+  if (listener.heardOfStatus(kUnauthorized) || listener.heardOfStatus(kForbidden)) {
+    throw Failure(kNoSession, url + " says that the session has ended", kHowToGoOn);
+  }
+  listener.throwIfAny(url);
+  switch (error) {
+    case GraphQLApi::Ok:
+      return;
+    case GraphQLApi::NetworkError:
+      // The library reports no number for this one.
+      throw Failure(kTransferFailed, "the transfer to " + url + " failed",
+                    "run it again with -v to see why");
+    case GraphQLApi::BadResponse:
+      break;
+  }
+  throw Failure(kNoData, url + " " + lack, std::string(kHowToGoOn) + "; -v shows the answer");
 }
 
 void requireTokensSaved(const std::string& what, const std::string& accessToken,

@@ -8,6 +8,7 @@
 
 #include "bookstore/Command.h"
 #include "bookstore/Failure.h"
+#include "bookstore/Request.h"
 #include "host/WholeFile.h"
 
 namespace bookstore {
@@ -26,6 +27,12 @@ class SessionLock {
 
 // Nobody is signed in where somebody has to be.
 Failure notSignedIn();
+
+// Throws Failure unless `error`, the result of an operation on `url` with the customer's session,
+// is Ok. `listener` heard what was reported meanwhile; `lack` is what an answer without the
+// expected data did, as in "answered without a customer".
+void requireAnswer(const FailureListener& listener, graphql::GraphQLApi::ApiError error,
+                   const std::string& url, const std::string& lack);
 
 // Throws Failure unless the token file holds these tokens: the library does not learn whether it
 // was written. `what` is what happened before.

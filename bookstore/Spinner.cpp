@@ -32,10 +32,20 @@ Spinner::~Spinner() {
   err_ << "\033[K" << std::flush;
 }
 
+void Spinner::say(const std::string& text) {
+  if (!thread_.joinable()) {
+    return;
+  }
+  const std::lock_guard<std::mutex> guard(mutex_);
+  text_ = text;
+  err_ << "\033[K";
+  draw(step_);
+}
+
 void Spinner::turn() {
   std::unique_lock<std::mutex> lock(mutex_);
-  for (std::size_t step = 1; !ending_.wait_for(lock, kStep, [this] { return isEnding_; }); ++step) {
-    draw(step);
+  while (!ending_.wait_for(lock, kStep, [this] { return isEnding_; })) {
+    draw(++step_);
   }
 }
 

@@ -25,15 +25,19 @@ class Spinner {
   Spinner(const Spinner&) = delete;
   Spinner& operator=(const Spinner&) = delete;
 
+  // Replaces the text beside the spinner.
+  void say(const std::string& text);
+
  private:
   void turn();
   void draw(std::size_t step);
 
   std::ostream& err_;
-  const std::string text_;
+  std::string text_;
   std::mutex mutex_;
   std::condition_variable ending_;
   bool isEnding_ = false;
+  std::size_t step_ = 0;
   std::thread thread_;
 };
 

@@ -27,7 +27,8 @@ class ManualPageTest : public ::testing::Test {
 
   static void expectOption(const std::string& text, const bookstore::Option& option) {
     std::string heading = option.shortName.empty() ? "" : option.shortName + ", ";
-    heading += option.name + (option.value.empty() ? "" : " " + option.value);
+    const bool isPositional = option.name.front() != '-';
+    heading += option.name + (option.value.empty() || isPositional ? "" : " " + option.value);
     EXPECT_THAT(text, HasSubstr("`" + heading + "`"));
     for (const std::string& choice : option.choices) {
       EXPECT_THAT(text, HasSubstr("`" + choice + "`"));

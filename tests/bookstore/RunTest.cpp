@@ -1,6 +1,7 @@
 #include "bookstore/Run.h"
 
 #include <cstdlib>
+#include <iterator>
 
 #include "bookstore/Failure.h"
 #include "bookstore/Request.h"
@@ -26,6 +27,11 @@ class RunTest : public bookstore_tests::BookstoreTest {
   // Runs the one command of a table, which does `work`.
   int runCommandThat(void (*work)(Context&)) {
     return run({"work"}, {{"work", "Does the work", Sends::Never, {}, work}});
+  }
+
+  static std::vector<std::string> wordsOf(const std::string& line) {
+    std::istringstream in(line);
+    return {std::istream_iterator<std::string>(in), std::istream_iterator<std::string>()};
   }
 };
 
@@ -122,7 +128,9 @@ TEST_F(RunTest, EndsWith7WhenTheOutputCannotBeWritten) {
 TEST_F(RunTest, HelpListsCommandsExitCodesAndSettings) {
   EXPECT_EQ(run({"--help"}), 0);
   for (const Command& command : bookstore::commands()) {
-    EXPECT_THAT(out, AllOf(HasSubstr("  " + command.name + " "), HasSubstr(command.description)));
+    if (command.name.find(' ') == std::string::npos) {
+      EXPECT_THAT(out, AllOf(HasSubstr("  " + command.name + " "), HasSubstr(command.description)));
+    }
   }
   for (const bookstore::ExitStatus& status : bookstore::exitStatuses()) {
     EXPECT_THAT(out, HasSubstr("\n  " + std::to_string(status.code) + "  " + status.meaning));
@@ -133,11 +141,26 @@ TEST_F(RunTest, HelpListsCommandsExitCodesAndSettings) {
 
 TEST_F(RunTest, HelpOfACommandListsItsOptionsAndTheCommonOnes) {
   for (const Command& command : bookstore::commands()) {
-    EXPECT_EQ(run({command.name, "--help"}), 0);
+    if (command.run == nullptr) {
+      continue;
+    }
+    EXPECT_EQ(run(wordsOf(command.name + " --help")), 0);
+    EXPECT_THAT(out, StartsWith(command.description));
     for (const auto* options : {&command.options, &bookstore::commonOptions()}) {
       for (const bookstore::Option& option : *options) {
         EXPECT_THAT(out, AllOf(HasSubstr(option.name), HasSubstr(option.description)));
       }
+    }
+  }
+}
+
+TEST_F(RunTest, HelpOfAGroupListsItsCommands) {
+  for (const Command& command : bookstore::commands()) {
+    const std::size_t blank = command.name.find(' ');
+    if (blank != std::string::npos) {
+      EXPECT_EQ(run({command.name.substr(0, blank), "--help"}), 0);
+      EXPECT_THAT(out, AllOf(HasSubstr("  " + command.name.substr(blank + 1) + " "),
+                             HasSubstr(command.description)));
     }
   }
 }
@@ -168,6 +191,8 @@ TEST_F(RunTest, TakesCommandsInGroupsAndPositionalArguments) {
   EXPECT_EQ(run({"sample", "add"}, table), 2);
   EXPECT_EQ(run({"sample", "--help"}, table), 0);
   EXPECT_THAT(out, HasSubstr("Adds one"));
+  EXPECT_EQ(run({"sample", "add", "--help"}, table), 0);
+  EXPECT_THAT(out, AllOf(HasSubstr("\n  BOOK REQUIRED  "), HasSubstr("\n  --path FILE  ")));
 }
 
 TEST_F(RunTest, ACommandMayOnlyAskForOptionsOfItsRow) {

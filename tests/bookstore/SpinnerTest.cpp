@@ -31,6 +31,23 @@ TEST(SpinnerTest, IsThereAtOnceAndGoesWithTheObject) {
   EXPECT_THAT(spin(true, "xterm"), EndsWith("\r\033[K"));
 }
 
+TEST(SpinnerTest, TakesTheOldTextOffTheLineForANewOne) {
+  const host_tests::ScopedSetting kind("TERM", "xterm");
+  std::ostringstream out;
+  std::ostringstream err;
+  {
+    Spinner spinner({out, err, true, true}, "Waiting for long");
+    spinner.say("Done");
+  }
+  EXPECT_THAT(err.str(), ::testing::ContainsRegex("Waiting for long\r.\\[K. Done\r"));
+  std::ostringstream nothing;
+  {
+    Spinner spinner({out, nothing, true, false}, "Waiting");
+    spinner.say("Done");
+  }
+  EXPECT_THAT(nothing.str(), IsEmpty());
+}
+
 TEST(SpinnerTest, WritesNothingWhereThereIsNoTerminal) {
   EXPECT_THAT(spin(false, "xterm"), IsEmpty());
 }
