@@ -8,6 +8,8 @@
 //   authorities  own: a file with the run's own authority alone; system: that of the machine with
 //                it appended
 //   count        operations per process
+//
+// Rows with `items` add to the queue of samples, in which so many wait; no server takes part.
 
 export const cases = [
   { operation: 'discovery', connection: 'kept', authorities: 'own', limit: 2.1, count: 300 },
@@ -22,7 +24,15 @@ export const cases = [
   { operation: 'token-refresh', connection: 'changing', authorities: 'own', limit: 1.35, count: 300 },
   { operation: 'profile', connection: 'kept', authorities: 'own', limit: 1.35, count: 300 },
   { operation: 'sample-metadata', connection: 'kept', authorities: 'own', limit: 1.3, count: 300 },
+  { operation: 'queue-add', items: 10, limit: 1.2, count: 1000 },
+  { operation: 'queue-add', items: 1000, limit: 1.5, count: 300 },
+  { operation: 'queue-add', items: 10000, limit: 1.5, count: 50 },
 ];
 
-export const nameOf = ({ operation, connection, authorities }) =>
-  `${operation}, ${connection}, ${authorities}`;
+export const nameOf = ({ operation, connection, authorities, items }) =>
+  items === undefined
+    ? `${operation}, ${connection}, ${authorities}`
+    : `${operation}, ${items} items`;
+
+// False for a row of the queue.
+export const isOperation = ({ items }) => items === undefined;

@@ -8,7 +8,7 @@ import { cpus, release, tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
 import { parseArgs } from 'node:util';
 
-import { cases, nameOf } from './cases.mjs';
+import { cases, isOperation, nameOf } from './cases.mjs';
 import { makeCertificates } from './certificates.mjs';
 import { killRunning, lastProcessor, run } from './processes.mjs';
 import { printComparison, printParts, writeFiles } from './report.mjs';
@@ -43,6 +43,7 @@ class Bench {
       library: join(programs, 'bench_operation'),
       bare: join(programs, 'bench_bare'),
       parts: join(programs, 'bench_parts'),
+      queue: join(programs, 'bench_queue'),
     };
     this.folder = folder;
     this.effort = effort;
@@ -53,6 +54,7 @@ class Bench {
   }
 
   async start() {
+    if (this.operations.length === 0) return;
     const { folder, operations, processor } = this;
     this.certificates = await makeCertificates(folder, this.host);
     const { certificates } = this;
@@ -92,7 +94,14 @@ class Bench {
     return report.benchmarks.map(({ name, cpu_time: nanoseconds }) => ({ name, nanoseconds }));
   }
 
+  async addToQueue(program, { items, count }) {
+    const { processor } = this;
+    const parameters = [program, String(items), String(count)];
+    return JSON.parse(await run(this.paths.queue, parameters, { processor })).nanoseconds;
+  }
+
   async measureOnce(one, program) {
+    if (!isOperation(one)) return this.addToQueue(program, one);
     const port = this.nginx.ports[one.connection === 'cold' ? 'new' : one.connection];
     const count = one.connection === 'cold' ? 'cold' : one.count;
     return (await this.perform(program, one.operation, count, port, one.authorities)).nanoseconds;
@@ -153,7 +162,7 @@ const bench = new Bench({
   host,
   folder: mkdtempSync(join(inMemory, 'graphql-api-bench-')),
   effort: options.quick ? kQuick : kThorough,
-  operations: [...new Set(chosen.map(({ operation }) => operation))],
+  operations: [...new Set(chosen.filter(isOperation).map(({ operation }) => operation))],
 });
 for (const [signal, status] of [['SIGINT', 130], ['SIGTERM', 143], ['SIGHUP', 129]]) {
   process.once(signal, () => {

@@ -19,6 +19,11 @@ namespace graphql {
 // returns. Failures of the file itself are not reported: a file that cannot be read is an empty
 // queue. A damaged item is logged; the items before it are kept. No member throws an exception of
 // its own; what the platform's string encoding throws reaches the caller, the lock dropped.
+//
+// The first program that locks the file creates it, with the permissions that its umask leaves.
+// Programs of several users share the queue when the owner of /tmp creates it at start-up with mode
+// 0666: where the kernel protects files in folders such as /tmp (fs.protected_regular), no one
+// else's file may be opened in the way that the lock needs, whatever its mode.
 class GraphQLSampleQueue {
  public:
   // One request.

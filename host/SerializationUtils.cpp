@@ -13,25 +13,36 @@ namespace {
 // A length is only believed as far as the bytes behind it are there.
 const std::size_t kPieceBytes = 65536;
 
-bool readBytes(std::istream& in, char* bytes, std::size_t length) {
-  in.read(bytes, static_cast<std::streamsize>(length));
-  return in.gcount() == static_cast<std::streamsize>(length);
+bool readBytes(std::streambuf& in, char* bytes, std::size_t length) {
+  const auto count = static_cast<std::streamsize>(length);
+  return in.sgetn(bytes, count) == count;
 }
 
-bool readString(std::istream& in, std::string* text) {
+bool readString(std::streambuf& in, std::string* text) {
   host::LengthPrefix prefix;
-  if (!readBytes(in, prefix.data(), prefix.size())) {
-    return false;
+  for (char& byte : prefix) {
+    const int next = in.sbumpc();
+    if (next == std::streambuf::traits_type::eof()) {
+      return false;
+    }
+    byte = std::streambuf::traits_type::to_char_type(next);
   }
-  for (std::size_t missing = host::decodeLength(prefix); missing > 0;) {
+  const std::size_t length = host::decodeLength(prefix);
+  if (static_cast<std::streamsize>(length) <= in.in_avail()) {
+    text->resize(length);
+    return readBytes(in, &(*text)[0], length);
+  }
+  std::string pieces;
+  for (std::size_t missing = length; missing > 0;) {
     const std::size_t piece = std::min(missing, kPieceBytes);
-    const std::size_t begin = text->size();
-    text->resize(begin + piece);
-    if (!readBytes(in, &(*text)[begin], piece)) {
+    const std::size_t begin = pieces.size();
+    pieces.resize(begin + piece);
+    if (!readBytes(in, &pieces[begin], piece)) {
       return false;
     }
     missing -= piece;
   }
+  *text = std::move(pieces);
   return true;
 }
 
@@ -48,12 +59,10 @@ int SerializationUtils::SerializeString(std::string const& value, std::ostream& 
 }
 
 int SerializationUtils::DeserializeString(std::istream& in, std::string* value) {
-  std::string text;
-  if (!readString(in, &text)) {
+  if (!in || !readString(*in.rdbuf(), value)) {
     in.setstate(std::ios::eofbit | std::ios::failbit);  // also where the stream had failed before
     return -1;
   }
-  *value = std::move(text);
   return 0;
 }
 

@@ -8,7 +8,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <fstream>
+#include <functional>
+#include <random>
 #include <sstream>
 #include <thread>
 
@@ -26,6 +29,11 @@ using ::testing::SizeIs;
 namespace {
 
 const char kQueuePath[] = "/tmp/sample.queue";
+const char kFiller[] = "/tmp/filler";
+const char kOpenFailed[] = "Condition: \"-1 != fd_\", return(\"1\")]Open failed with ";
+const char kCodingFailed[] = "Condition: \"0 == err\", return(\"-1\")]";
+const int kNoSuchUser = 77;
+const uid_t kReader = 12345;  // any user who is not the owner of the queue
 const char kApplication[] = "/ombrel/bin/graphql_sample_metadata.app";
 
 using Item = GraphQLSampleQueue::SampleItem;
@@ -84,6 +92,31 @@ class SampleQueueTest : public PlatformTest {
     const bool locked = ::flock(descriptor, LOCK_EX | LOCK_NB) != 0;
     ::close(descriptor);
     return locked;
+  }
+
+  // Does `work`, expectations and all, in a process of that user.
+  static void asUser(uid_t user, const std::function<void()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      if (::setresuid(user, user, user) != 0) {
+        ::_exit(kNoSuchUser);
+      }
+      work();
+      ::_exit(HasFailure() ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == kNoSuchUser) {
+      GTEST_SKIP() << "needs to be root, to become another user";
+    }
+    EXPECT_EQ(status, 0);
+  }
+
+  static void fillDisk() {
+    std::ofstream filler(kFiller, std::ios::binary);
+    const std::string piece(1 << 16, 'x');
+    while (filler << piece << std::flush) {
+    }
   }
 
   GraphQLSampleQueue queue;
@@ -155,8 +188,7 @@ TEST_F(SampleQueueTest, AFileThatCannotBeOpenedIsLoggedWithItsErrno) {
   ASSERT_EQ(::mkdir(kQueuePath, 0755), 0);
   EXPECT_EQ(queue.lockSampleQueueFile(), 1);
   EXPECT_THAT(platform().logTexts(kFailureLevel),
-              ElementsAre("Condition: \"-1 != fd_\", return(\"1\")]Open failed with " +
-                          std::to_string(EISDIR)));
+              ElementsAre(kOpenFailed + std::to_string(EISDIR)));
   EXPECT_EQ(platform().log.at(0).function,
             "int graphql::GraphQLSampleQueue::lockSampleQueueFile()");
 }
@@ -192,11 +224,13 @@ TEST_F(SampleQueueTest, RemovingErasesOnlyTheOldestMatch) {
 
 TEST_F(SampleQueueTest, RemovingAnUnknownBookRewritesTheSameItems) {
   queue.addSample("b1", "/s/1");
-  platform().calls.clear();
+  const timespec longAgo[2] = {};
+  ASSERT_EQ(::utimensat(AT_FDCWD, kQueuePath, longAgo, 0), 0);
   EXPECT_EQ(queue.removeSample("B1"), 1);
-  EXPECT_THAT(items(), ElementsAre("b1@/s/1"));
-  EXPECT_THAT(platform().callsOf({"SerializeString"}),
-              ElementsAre("SerializeString b1", "SerializeString /s/1"));
+  EXPECT_EQ(fileBytes(), encoded("b1", "/s/1"));
+  struct stat status = {};
+  ASSERT_EQ(::stat(kQueuePath, &status), 0);
+  EXPECT_NE(status.st_mtime, 0);
 }
 
 TEST_F(SampleQueueTest, ItemsMayBeEmptyOrHoldAnyBytes) {
@@ -250,14 +284,60 @@ TEST_F(SampleQueueTest, WithoutTheLockTakingAndRemovingGoOn) {
   EXPECT_EQ(queue.removeSample("b"), 1);
   EXPECT_EQ(text(queue.getNextSample()), "@");
   EXPECT_EQ(openDescriptors(), before);
-  EXPECT_THAT(platform().logTexts(kFailureLevel), SizeIs(2));
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre(kOpenFailed + std::to_string(EISDIR),
+                          kOpenFailed + std::to_string(EISDIR), kCodingFailed));
+}
+
+TEST_F(SampleQueueTest, AFileThatMayOnlyBeReadIsReadWithoutTheLock) {
+  fileHolds(encoded("b1", "/s/1"));
+  ASSERT_EQ(::chmod(kQueuePath, 0444), 0);
+  asUser(kReader, [this] {
+    queue.addSample("b2", "/s/2");
+    EXPECT_EQ(queue.removeSample("b1"), 1);
+    EXPECT_EQ(text(queue.getNextSample()), "b1@/s/1");
+    EXPECT_EQ(platform().logTexts(kFailureLevel).at(0), kOpenFailed + std::to_string(EACCES));
+  });
+  EXPECT_EQ(fileBytes(), encoded("b1", "/s/1"));
+}
+
+// Whether or not the kernel protects files in folders such as /tmp.
+TEST_F(SampleQueueTest, UsersShareAQueueThatTheOwnerOfTmpMadeForAll) {
+  fileHolds("");
+  ASSERT_EQ(::chmod(kQueuePath, 0666), 0);
+  asUser(kReader, [this] { queue.addSample("b1", "/s/1"); });
+  asUser(kReader + 1, [this] { queue.addSample("b2", "/s/2"); });
+  EXPECT_EQ(queue.removeSample("b1"), 1);
+  EXPECT_THAT(items(), ElementsAre("b2@/s/2"));
+}
+
+TEST_F(SampleQueueTest, APipeInPlaceOfTheFileHoldsNobodyUp) {
+  ASSERT_EQ(::mkfifo(kQueuePath, 0644), 0);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  EXPECT_EQ(queue.removeSample("b"), 1);
+  EXPECT_THAT(items(), IsEmpty());
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
+}
+
+TEST_F(SampleQueueTest, AFullDiskCrashesNothingAndTheNextItemIsQueuedAgain) {
+  const std::size_t before = openDescriptors();
+  fillDisk();
+  queue.addSample("b1", std::string(100000, 's'));
+  EXPECT_THAT(items(), SizeIs(::testing::Le(1U)));
+  EXPECT_EQ(openDescriptors(), before);
+  ASSERT_EQ(::unlink(kFiller), 0);
+  queue.addSample("b2", "/s/2");
+  EXPECT_EQ(items().back(), "b2@/s/2");
 }
 
 TEST_F(SampleQueueTest, ADanglingLinkIsFollowedWhereItCanBe) {
   ASSERT_EQ(::symlink("/tmp/nowhere/sample.queue", kQueuePath), 0);
   queue.addSample("b", "/s");
   EXPECT_EQ(text(queue.getNextSample()), "@");
-  EXPECT_THAT(platform().logTexts(kFailureLevel), SizeIs(3));
+  const std::string openFailed = kOpenFailed + std::to_string(ENOENT);
+  EXPECT_THAT(platform().logTexts(kFailureLevel),
+              ElementsAre(openFailed, "Condition: \"lockSampleQueueFile()\", return]", openFailed,
+                          kCodingFailed));
 }
 
 // --- Damage --------------------------------------------------------------------------------------
@@ -265,8 +345,7 @@ TEST_F(SampleQueueTest, ADanglingLinkIsFollowedWhereItCanBe) {
 TEST_F(SampleQueueTest, ATruncatedItemIsLoggedAndAppendedWithWhatWasRead) {
   fileHolds(encoded("b1", "/s/1") + "2:b2");
   EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/1"));
-  EXPECT_THAT(platform().logTexts(kFailureLevel),
-              ElementsAre("Condition: \"0 == err\", return(\"-1\")]"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
 }
 
 TEST_F(SampleQueueTest, DamageBehindGoodItemsNeverLosesThem) {
@@ -276,6 +355,53 @@ TEST_F(SampleQueueTest, DamageBehindGoodItemsNeverLosesThem) {
   ASSERT_GE(found.size(), 2U);
   EXPECT_EQ(found.front(), "b1@/s/1");
   EXPECT_EQ(found.back(), "b2@/s/2");
+}
+
+TEST_F(SampleQueueTest, AddingKeepsWhatWasReadAndEncodesTheDamagedItemAnew) {
+  fileHolds("01:a1:b" + encoded("b1", "/s/1") + "2:b2");
+  queue.addSample("b3", "/s/3");
+  EXPECT_EQ(fileBytes(),
+            "01:a1:b" + encoded("b1", "/s/1") + encoded("b2", "/s/1") + encoded("b3", "/s/3"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
+}
+
+TEST_F(SampleQueueTest, RemovingFindsTheDamagedItemToo) {
+  fileHolds(encoded("b1", "/s/1") + encoded("b3", "/s/3") + "2:b2");
+  queue.removeSample("b1");
+  EXPECT_EQ(fileBytes(), encoded("b3", "/s/3") + encoded("b2", "/s/3"));
+  queue.removeSample("b2");
+  EXPECT_EQ(fileBytes(), encoded("b3", "/s/3"));
+}
+
+TEST_F(SampleQueueTest, ADamagedItemThatCannotBeEncodedEitherIsLeftOut) {
+  fileHolds(encoded("b1", "/s/1") + "2:b2");
+  platform().failAt("SerializeString", 3);  // after those of the new item
+  queue.addSample("b3", "/s/3");
+  EXPECT_EQ(fileBytes(), encoded("b1", "/s/1") + encoded("b3", "/s/3"));
+}
+
+TEST_F(SampleQueueTest, AnyBytesAreReadToAnEnd) {
+  std::mt19937 random(4);
+  const std::size_t before = openDescriptors();
+  for (int round = 0; round < 500; ++round) {
+    std::string bytes(random() % 200, '\0');
+    for (char& byte : bytes) {
+      byte = "0123:ab\xff"[random() % 8];
+    }
+    fileHolds(bytes);
+    queue.getNextSample();
+    queue.addSample("new", "/s");
+    EXPECT_EQ(items().back(), "new@/s") << bytes;
+    EXPECT_EQ(queue.removeSample("new"), 1);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(SampleQueueTest, AHundredMegabytesOfDamageHideNeitherTheFirstItemNorANewOne) {
+  fileHolds(encoded("b1", "/s/1") + std::string(100 << 20, 'x'));
+  EXPECT_EQ(text(queue.getNextSample()), "b1@/s/1");
+  queue.addSample("b2", "/s/2");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b1@/s/1", "b2@/s/2"));
 }
 
 TEST_F(SampleQueueTest, AnItemThatCannotBeReadIsTakenWithWhatWasRead) {
@@ -294,8 +420,7 @@ TEST_F(SampleQueueTest, AnItemThatCannotBeWrittenIsLeftOut) {
   platform().failAt("SerializeString", 4);
   EXPECT_EQ(queue.serializeSampleItems({{"b1", "/s/1"}, {"b2", "/s/2"}, {"b3", "/s/3"}}), 0);
   EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b3@/s/3"));
-  EXPECT_THAT(platform().logTexts(kFailureLevel),
-              ElementsAre("Condition: \"0 == err\", return(\"-1\")]"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
 }
 
 TEST_F(SampleQueueTest, OneItemIsWrittenAndReadAlone) {
