@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <limits>
 #include <locale>
+#include <memory>
+#include <sstream>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -75,6 +77,19 @@ void parseJson(const std::vector<char>& body, Json::Value* value) {
 }
 
 #pragma GCC diagnostic pop
+
+// What value.toStyledString() gives, which makes a writer each time: a tenth of a whole request.
+std::string styledText(const Json::Value& value) {
+  thread_local const std::unique_ptr<Json::StreamWriter> writer(
+      Json::StreamWriterBuilder().newStreamWriter());
+  std::ostringstream text;
+  if (value.hasComment(Json::commentBefore)) {
+    text << '\n';
+  }
+  writer->write(value, &text);
+  text << '\n';
+  return text.str();
+}
 
 // The member `name` of `value`; null when `value` is not an object or has no such member.
 const Json::Value* findMember(const Json::Value& value, const std::string& name) {
@@ -188,7 +203,7 @@ GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
   parseJson(answer.body, &answer.root);
   if (operation.responseFormat != nullptr) {
     ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature,
-                  operation.responseFormat, answer.root.toStyledString().c_str());
+                  operation.responseFormat, styledText(answer.root).c_str());
   }
   return answer;
 }
