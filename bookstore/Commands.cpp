@@ -151,10 +151,20 @@ std::vector<Command> sampleCommands() {
   };
 }
 
+std::vector<Command> shellCommands() {
+  return {
+      {"completion",
+       "Print the script with which a shell completes these commands and their options",
+       Sends::Never,
+       {requiredChoice("SHELL", "SHELL", {"bash", "zsh", "fish"}, "The shell")},
+       runCompletion},
+  };
+}
+
 std::vector<Command> allCommands() {
   std::vector<Command> all;
   for (const std::vector<Command>& some :
-       {stateCommands(), accountCommands(), browserCommands(), sampleCommands()}) {
+       {stateCommands(), accountCommands(), browserCommands(), sampleCommands(), shellCommands()}) {
     all.insert(all.end(), some.begin(), some.end());
   }
   return all;

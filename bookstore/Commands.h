@@ -8,6 +8,7 @@
 
 namespace bookstore {
 
+void runCompletion(Context& context);
 void runCookies(Context& context);
 void runEmailAvailable(Context& context);
 void runHeaders(Context& context);

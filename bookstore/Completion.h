@@ -1,0 +1,22 @@
+// The scripts with which shells complete the program's commands and options, made from its table.
+// Holds no state; safe from any thread.
+
+#ifndef BOOKSTORE_COMPLETION_H_
+#define BOOKSTORE_COMPLETION_H_
+
+#include <string>
+#include <vector>
+
+#include "bookstore/Command.h"
+
+namespace bookstore {
+
+// Each completes the commands, the options of every command, the choices of an option or argument
+// that has some, and files where the value is called FILE.
+std::string bashCompletion(const std::vector<Command>& table);
+std::string zshCompletion(const std::vector<Command>& table);
+std::string fishCompletion(const std::vector<Command>& table);
+
+}  // namespace bookstore
+
+#endif  // BOOKSTORE_COMPLETION_H_
