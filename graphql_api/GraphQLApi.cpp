@@ -237,8 +237,8 @@ void GraphQLApi::reportFailure(const Operation& operation, Answer* answer) {
                   answer->err, answer->code());
   };
   const auto callBack = [&] {
-    if (errorCb) {
-      errorCb(answer->err, answer->code());
+    if (const ErrorCallback callback = errorCb) {  // which may replace itself while it runs
+      callback(answer->err, answer->code());
     }
   };
   switch (operation.failure) {

@@ -69,7 +69,7 @@ class GraphQLApi {
 
   // Replaces the error callback by `callback`; an empty function switches it off. The callback runs
   // on the thread of the failing operation, at most once per operation and before that returns. It
-  // only informs.
+  // only informs, and may replace itself.
   void setErrorCb(ErrorCallback callback);
 
   // Asks the service's own endpoint for the regional stores, waiting at most 30 seconds. Returns

@@ -112,6 +112,16 @@ TEST_F(GraphQLApiTest, AnEmptyFunctionSwitchesTheCallbackOff) {
               ElementsAre("getStores failed err = 7, code = 0"));
 }
 
+TEST_F(GraphQLApiTest, ACallbackMayReplaceItself) {
+  const auto held = std::make_shared<int>(0);
+  api.setErrorCb([this, held](int, int) {
+    api.setErrorCb({});
+    EXPECT_EQ(held.use_count(), 2);  // this function is still there
+  });
+  api.getStores();
+  EXPECT_EQ(held.use_count(), 1);
+}
+
 TEST_F(GraphQLApiTest, AnExceptionOfTheCallbackReachesTheCaller) {
   api.setErrorCb([](int, int) { throw std::domain_error("callback"); });
   EXPECT_THROW(api.getStores(), std::domain_error);
