@@ -1,7 +1,10 @@
 #include "bookstore/DeviceFiles.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
-#include <filesystem>
+#include <cerrno>
+#include <ctime>
 #include <system_error>
 
 #include "bookstore/Failure.h"
@@ -11,9 +14,22 @@ namespace bookstore {
 
 namespace {
 
-Failure cannotLook(const std::string& path, const std::error_code& error) {
-  return Failure(kLocalFailure, "cannot look at " + path + ": " + error.message(),
+Failure cannotLook(const std::string& path, int error) {
+  return Failure(kLocalFailure,
+                 "cannot look at " + path + ": " + std::generic_category().message(error),
                  "check the folders above it, or set ORVANE_ROOT to another one");
+}
+
+// False when there is no such file. std::filesystem would do, but on 32-bit systems it knows no
+// dates beyond 2038.
+bool look(const std::string& path, struct stat* status) {
+  if (::stat(path.c_str(), status) == 0) {
+    return true;
+  }
+  if (errno != ENOENT && errno != ENOTDIR) {
+    throw cannotLook(path, errno);
+  }
+  return false;
 }
 
 }  // namespace
@@ -29,22 +45,16 @@ std::string tokenFile() {
 }
 
 bool fileExists(const std::string& path) {
-  std::error_code error;
-  const bool exists = std::filesystem::exists(path, error);
-  if (error) {
-    throw cannotLook(path, error);
-  }
-  return exists;
+  struct stat status = {};
+  return look(path, &status);
 }
 
 std::chrono::seconds timeSinceChange(const std::string& path) {
-  std::error_code error;
-  const auto changed = std::filesystem::last_write_time(path, error);
-  if (error) {
-    throw cannotLook(path, error);
+  struct stat status = {};
+  if (!look(path, &status)) {
+    throw cannotLook(path, ENOENT);
   }
-  const auto since = std::filesystem::file_time_type::clock::now() - changed;
-  return std::max(std::chrono::seconds(0), std::chrono::duration_cast<std::chrono::seconds>(since));
+  return std::chrono::seconds(std::max<std::time_t>(0, std::time(nullptr) - status.st_mtime));
 }
 
 }  // namespace bookstore

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <system_error>
 
 namespace host {
@@ -219,7 +220,7 @@ FileFailure readWholeFile(const std::string& path, std::size_t limit, std::strin
     errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
     return failed("read");
   }
-  if (static_cast<std::size_t>(status.st_size) > limit) {
+  if (static_cast<std::uint64_t>(status.st_size) > limit) {
     errno = EFBIG;
     return failed("read");
   }

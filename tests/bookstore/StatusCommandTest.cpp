@@ -86,6 +86,9 @@ TEST_F(StatusCommandTest, TellsHowLongTheTokenFileHasNotChanged) {
   std::filesystem::last_write_time(root.at(kTokenPath), inTheFuture);
   run({"status"});
   EXPECT_THAT(out, HasSubstr("Token file changed  0 s ago\n"));
+  root.setDate(kTokenPath, host_tests::kBeyond2038);
+  EXPECT_EQ(run({"status"}), 0);
+  EXPECT_THAT(out, HasSubstr("Token file changed  0 s ago\n"));
 }
 
 TEST_F(StatusCommandTest, GivesProgramsNullForWhatThereIsNot) {

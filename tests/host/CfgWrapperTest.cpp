@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <thread>
@@ -381,13 +382,27 @@ TEST_F(CfgWrapperTest, DoesNotWaitForAPipeInPlaceOfTheFile) {
 }
 
 TEST_F(CfgWrapperTest, ReadsAHugeFileAsEmptyAndDoesNotReplaceIt) {
-  root_.put(kPath, "a=1\n");
-  std::filesystem::resize_file(root_.at(kPath), (16u << 20) + 1);
-  EXPECT_EQ(load("a"), "(missing)");
-  EXPECT_THAT(root_.log(), HasSubstr("File too large"));
+  // The last two sizes are small ones in 31 and in 32 bits.
+  for (const std::uint64_t size : {(1ull << 24) + 1, (1ull << 31) + 10, (1ull << 32) + 10}) {
+    root_.clearLog();
+    root_.put(kPath, "a=1\n");
+    ASSERT_EQ(::truncate(root_.at(kPath).c_str(), static_cast<off_t>(size)), 0);
+    EXPECT_EQ(load("a"), "(missing)") << size;
+    EXPECT_THAT(root_.log(), HasSubstr("File too large")) << size;
+    save("b", "2");
+    EXPECT_EQ(std::filesystem::file_size(root_.at(kPath)), size);
+    EXPECT_THAT(root_.log(), HasSubstr("would be lost")) << size;
+  }
+}
+
+TEST_F(CfgWrapperTest, ReadsAndReplacesAFileFromTheFarFuture) {
+  save("a", "1");
+  root_.setDate(kPath, host_tests::kBeyond2038);
+  EXPECT_EQ(load("a"), "1");
   save("b", "2");
-  EXPECT_EQ(std::filesystem::file_size(root_.at(kPath)), (16u << 20) + 1);
-  EXPECT_THAT(root_.log(), HasSubstr("would be lost"));
+  EXPECT_EQ(load("a"), "1");
+  EXPECT_EQ(load("b"), "2");
+  EXPECT_EQ(root_.log(), "");
 }
 
 TEST_F(CfgWrapperTest, DoesNotWriteAFileThatIsTooLargeToRead) {

@@ -314,6 +314,16 @@ TEST_F(HttpRequestRunnerTest, TellsTheProgressInBytes) {
   EXPECT_EQ(whole, 5U);
 }
 
+TEST_F(HttpRequestRunnerTest, TellsTheSizeOfAHugeAnswer) {
+  set("ORVANE_MAX_ANSWER_BYTES", "5000000001");
+  std::uint64_t whole = 0;
+  getWithCallbacks("/huge", {}, [&whole](std::uint64_t, std::uint64_t total) {
+    whole = total;
+    return total == 0;
+  });
+  EXPECT_EQ(whole, 5000000000U);
+}
+
 TEST_F(HttpRequestRunnerTest, StopsWhenTheProgressCallbackSaysSo) {
   const Answer answer = getWithCallbacks(
       "/endless", {}, [](std::uint64_t received, std::uint64_t) { return received < 1000; });
@@ -383,6 +393,8 @@ TEST_F(HttpRequestRunnerTest, AcceptsAnAnswerUpToTheLargestSize) {
   EXPECT_EQ(get("/gzip").body, "compressed");
   set("ORVANE_MAX_ANSWER_BYTES", "9");
   EXPECT_EQ(get("/gzip").result, host::kAnswerTooLarge);
+  set("ORVANE_MAX_ANSWER_BYTES", "4294967297");  // 1 in 32 bits
+  EXPECT_EQ(get("/gzip").body, "compressed");
 }
 
 TEST_F(HttpRequestRunnerTest, StopsAnAnswerThatGrowsTooLarge) {

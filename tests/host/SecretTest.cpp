@@ -267,20 +267,24 @@ TEST_F(SecretTest, AFolderInPlaceOfTheKeyIsNotUsed) {
 // Only root can give a file away; another user reads as one who is not the owner of its own file.
 TEST_F(SecretTest, AKeyOfAnotherUserIsNotUsed) {
   save("token", "a");
-  const bool isRoot = ::geteuid() == 0;
-  const std::string key = isRoot ? root_.at(kKeyPath) : "/etc/hostname";
-  if (isRoot) {
-    ASSERT_EQ(::chown(key.c_str(), 12345, 12345), 0);
+  if (::chown(root_.at(kKeyPath).c_str(), 12345, 12345) == 0) {
     expectNeitherReadNorKept("belongs to another user");
   } else {
     std::filesystem::remove(root_.at(kKeyPath));
     std::error_code linked;
-    std::filesystem::create_hard_link(key, root_.at(kKeyPath), linked);
+    std::filesystem::create_hard_link("/etc/hostname", root_.at(kKeyPath), linked);
     if (linked) {
-      std::filesystem::create_symlink(key, root_.at(kKeyPath));
+      std::filesystem::create_symlink("/etc/hostname", root_.at(kKeyPath));
     }
     expectNeitherReadNorKept(linked ? "Cannot read the key file" : "belongs to another user");
   }
+}
+
+TEST_F(SecretTest, AKeyFromTheFarFutureIsUsed) {
+  save("token", "a");
+  root_.setDate(kKeyPath, host_tests::kBeyond2038);
+  EXPECT_EQ(load("token"), "a");
+  EXPECT_EQ(root_.log(), "");
 }
 
 TEST_F(SecretTest, AnExchangedKeyIsSeen) {

@@ -3,11 +3,13 @@
 #ifndef TESTS_HOST_TEMPORARYROOT_H_
 #define TESTS_HOST_TEMPORARYROOT_H_
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,6 +18,9 @@
 #include <vector>
 
 namespace host_tests {
+
+// The year 2050, in seconds since 1970: more than 31 bits.
+constexpr std::time_t kBeyond2038 = 2524608000;
 
 // Sets an environment variable, and sets back what it was.
 class ScopedSetting {
@@ -82,6 +87,14 @@ class TemporaryRoot {
     std::filesystem::create_directories(std::filesystem::path(at(path)).parent_path());
     std::ofstream(at(path), std::ios::binary) << content;
     ::chmod(at(path).c_str(), 0600);
+  }
+
+  // Sets when a file was changed last, in seconds since 1970.
+  void setDate(const std::string& path, std::time_t date) const {
+    const struct timespec dates[] = {{date, 0}, {date, 0}};
+    if (::utimensat(AT_FDCWD, at(path).c_str(), dates, 0) != 0) {
+      throw std::runtime_error("no date for " + path);
+    }
   }
 
   // The names in a folder, sorted.

@@ -74,6 +74,7 @@ const paths = {
   '/cut': (socket) => socket.end('HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf'),
   '/silent': () => {},
   '/stall': (socket) => socket.write('HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf'),
+  '/huge': (socket) => socket.write('HTTP/1.1 200 OK\r\nContent-Length: 5000000000\r\n\r\n.'),
   '/drip': (socket) => {
     socket.write('HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n');
     repeat(socket, '.', 100);

@@ -40,6 +40,14 @@ TEST_F(FailureListTest, AListThatHasGrownLargeMakesRoom) {
   EXPECT_EQ(root.contentOf(std::string(kFailureListPath) + ".old").size(), 1024U * 1024 + 1);
 }
 
+TEST_F(FailureListTest, AListOfAnySizeAndDateMakesRoom) {
+  root.put(kFailureListPath, "");
+  ASSERT_EQ(::truncate(root.at(kFailureListPath).c_str(), (off_t(1) << 32) + 1), 0);
+  root.setDate(kFailureListPath, host_tests::kBeyond2038);
+  EXPECT_TRUE(listFailure({"b", "/s"}, "r"));
+  EXPECT_THAT(failures(), SizeIs(1));
+}
+
 TEST_F(FailureListTest, SaysWhenItCannotBeWritten) {
   std::filesystem::create_directories(root.at(kFailureListPath));
   EXPECT_FALSE(listFailure({"b", "/s"}, "r"));

@@ -104,12 +104,15 @@ TEST_F(SessionTest, MissingMembersBesideTheTokenAreEmpty) {
   expectSession("A", "", "", other, "");
 }
 
-TEST_F(SessionTest, ALifetimeIsKeptAsTextWhateverItsKind) {
-  for (const char* lifetime : {"3600", "\"3600\""}) {
-    platform().http.answer(200, std::string(R"({"data":{"generateCustomerToken":{"token":"A",)") +
-                                    R"("expires_in":)" + lifetime + "}}}");
-    EXPECT_EQ(signIn().expiresIn, "3600");
-    EXPECT_EQ(tokenFile().at("fakeExpiration"), "3600");
+TEST_F(SessionTest, ALifetimeIsKeptAsTextWhateverItsKindAndSize) {
+  for (const std::string lifetime :
+       {"3600", "2147483648", "4294967296", "9223372036854775807", "18446744073709551615"}) {
+    for (const std::string& given : {lifetime, '"' + lifetime + '"'}) {
+      platform().http.answer(
+          200, R"({"data":{"generateCustomerToken":{"token":"A","expires_in":)" + given + "}}}");
+      EXPECT_EQ(signIn().expiresIn, lifetime);
+      EXPECT_EQ(tokenFile().at("fakeExpiration"), lifetime);
+    }
   }
 }
 
