@@ -1,9 +1,10 @@
 // Finds running tasks among the processes of this user, in /proc. A process that has ended and
 // waits to be reaped has no executable any more, and so is none of them.
 //
-// An executable is told by its file, not by its name. A script runs as its interpreter; it counts
-// when its process has the arguments that the system gives to a script which is started as an
-// executable. Where two roots share one file, the root in the process's environment decides.
+// An executable is told by its file, not by its name. A script runs as its interpreter, and a
+// program for another processor as its emulator; it counts when its process has the arguments that
+// the system gives to a file of that kind which is started as an executable. Where two roots share
+// one file, the root in the process's environment decides.
 
 #include <ov_sdk.h>
 
@@ -14,11 +15,13 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "host/Settings.h"
@@ -71,12 +74,31 @@ bool isOfThisRoot(const std::string& process) {
   return true;
 }
 
+// What the machine has registered to run executables of other kinds, such as emulators of other
+// processors.
+std::vector<std::string> registeredInterpreters() {
+  std::vector<std::string> interpreters;
+  std::error_code ignored;
+  std::filesystem::directory_iterator kind("/proc/sys/fs/binfmt_misc", ignored);
+  for (; kind != std::filesystem::directory_iterator(); kind.increment(ignored)) {
+    std::ifstream in(kind->path());
+    for (std::string word; in >> word;) {
+      if (word == "interpreter" && in >> std::ws && std::getline(in, word)) {
+        interpreters.push_back(word);
+      }
+    }
+  }
+  return interpreters;
+}
+
 class Application {
  public:
   explicit Application(const std::string& path)
       : path_(path), exists_(::stat(path.c_str(), &status_) == 0 && S_ISREG(status_.st_mode)) {
-    if (exists_) {
-      readInterpreterLine();
+    if (exists_ && !readInterpreterLine()) {
+      for (const std::string& interpreter : registeredInterpreters()) {
+        starts_.push_back({interpreter});
+      }
     }
   }
 
@@ -87,36 +109,41 @@ class Application {
     struct stat executable = {};
     return ::stat(process.c_str(), &folder) == 0 && folder.st_uid == ::geteuid() &&
            ::stat((process + "/exe").c_str(), &executable) == 0 &&
-           (isSameFile(executable, status_) || isScriptRunBy(process)) && isOfThisRoot(process);
+           (isSameFile(executable, status_) || isInterpretedBy(process)) && isOfThisRoot(process);
   }
 
  private:
   // "#!interpreter argument": the argument, if any, is one text, blanks and all. An interpreter
-  // "env" replaces itself by the program that the argument names.
-  void readInterpreterLine() {
+  // "env" replaces itself by the program that the argument names. False for what is no script.
+  bool readInterpreterLine() {
     std::ifstream in(path_, std::ios::binary);
     char mark[2] = {};
     std::string line;
     if (!in.read(mark, sizeof mark) || mark[0] != '#' || mark[1] != '!' ||
         !std::getline(in, line)) {
-      return;
+      return false;
     }
     std::istringstream words(line);
-    words >> interpreter_ >> std::ws;
-    std::getline(words, argument_);
-    argument_.erase(argument_.find_last_not_of(" \t\r") + 1);
+    std::string interpreter;
+    std::string argument;
+    words >> interpreter >> std::ws;
+    std::getline(words, argument);
+    argument.erase(argument.find_last_not_of(" \t\r") + 1);
+    if (!argument.empty()) {
+      starts_ = {{interpreter, argument}, {argument}};
+    } else if (!interpreter.empty()) {
+      starts_ = {{interpreter}};
+    }
+    return true;
   }
 
-  bool isScriptRunBy(const std::string& process) const {
-    if (interpreter_.empty()) {
+  bool isInterpretedBy(const std::string& process) const {
+    if (starts_.empty()) {
       return false;
     }
     const std::vector<std::string> given = argumentsOf(process);
-    std::vector<std::string> first = {interpreter_};
-    if (!argument_.empty()) {
-      first.push_back(argument_);
-    }
-    return beginsWith(given, first) || beginsWith(given, {argument_});
+    return std::any_of(starts_.begin(), starts_.end(),
+                       [&](const auto& start) { return beginsWith(given, start); });
   }
 
   // True when `given` is `first` followed by this application's path.
@@ -131,8 +158,7 @@ class Application {
   std::string path_;
   struct stat status_ = {};
   const bool exists_;
-  std::string interpreter_;  // empty: no script
-  std::string argument_;
+  std::vector<std::vector<std::string>> starts_;  // what may stand before the path; empty: nothing
 };
 
 }  // namespace
