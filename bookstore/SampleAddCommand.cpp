@@ -39,9 +39,8 @@ bool isInstalled(const std::string& application) {
 
 bool isQueued(const SampleItem& wanted) {
   const std::vector<SampleItem> items = queuedSamples();
-  return std::any_of(items.begin(), items.end(), [&](const SampleItem& item) {
-    return item.bookId == wanted.bookId && item.sampleFilePath == wanted.sampleFilePath;
-  });
+  return std::any_of(items.begin(), items.end(),
+                     [&](const SampleItem& item) { return sample_app::isSame(item, wanted); });
 }
 
 void requireQueued(const SampleItem& item) {

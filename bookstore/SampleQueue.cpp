@@ -1,6 +1,6 @@
 #include "bookstore/SampleQueue.h"
 
-#include <algorithm>
+#include <optional>
 
 #include <json/json.h>
 
@@ -12,30 +12,17 @@ namespace {
 
 const char kQueue[] = "the queue of samples, /tmp/sample.queue,";
 
-bool isSame(const SampleItem& one, const SampleItem& other) {
-  return one.bookId == other.bookId && one.sampleFilePath == other.sampleFilePath;
-}
-
 }  // namespace
 
 LockedSampleQueue::LockedSampleQueue() {
-  if (queue_.lockSampleQueueFile() != 0) {
+  if (!queue_.isHeld()) {
     throw Failure(kLocalFailure, std::string(kQueue) + " cannot be opened and locked",
                   "see the log lines above, and whether the file belongs to another user");
   }
 }
 
-std::vector<SampleItem> LockedSampleQueue::items() {
-  std::vector<SampleItem> items;
-  queue_.deserializeSampleItems(&items);
-  return items;
-}
-
 void LockedSampleQueue::replace(const std::vector<SampleItem>& items) {
-  queue_.serializeSampleItems(items);
-  // The library does not tell whether it could write.
-  const std::vector<SampleItem> held = this->items();
-  if (!std::equal(held.begin(), held.end(), items.begin(), items.end(), isSame)) {
+  if (!queue_.replace(items)) {
     throw Failure(kLocalFailure, std::string(kQueue) + " could not be rewritten",
                   "see whether /tmp has room, and what bookstore sample list shows");
   }
@@ -46,16 +33,12 @@ std::vector<SampleItem> queuedSamples() {
 }
 
 SampleItem oldestSample() {
-  SampleItem item = graphql::GraphQLSampleQueue().getNextSample();
-  if (!item.bookId.empty() || !item.sampleFilePath.empty()) {
-    return item;
-  }
-  // Two empty texts stand for an empty queue, but can also be an item of it.
-  const std::vector<SampleItem> all = queuedSamples();
-  if (all.empty()) {
+  const std::optional<SampleItem> item = sample_app::oldestItem();
+  if (!item) {
+    const LockedSampleQueue queue;  // one that cannot be opened is none that is empty
     throw Failure(kNoSession, "no sample is in the queue", "bookstore sample add");
   }
-  return all.front();
+  return *item;
 }
 
 Json::Value toJson(const SampleItem& item) {

@@ -8,30 +8,26 @@
 
 #include <json/forwards.h>
 
-#include "graphql_api/GraphQLSampleQueue.h"
+#include "sample_app/LockedQueue.h"
 
 namespace bookstore {
 
-using SampleItem = graphql::GraphQLSampleQueue::SampleItem;
+using sample_app::SampleItem;
 
-// The queue, with its lock held while the object lives. Meanwhile another object of this process
-// would wait for ever.
+// The queue, locked while the object lives. Waits for the lock; throws Failure when it cannot be
+// had.
 class LockedSampleQueue {
  public:
-  // Waits for the lock. Throws Failure when it cannot be had.
   LockedSampleQueue();
 
-  LockedSampleQueue(const LockedSampleQueue&) = delete;
-  LockedSampleQueue& operator=(const LockedSampleQueue&) = delete;
-
   // Every item, oldest first.
-  std::vector<SampleItem> items();
+  std::vector<SampleItem> items() { return queue_.items(); }
 
   // Makes `items` the content of the queue. Throws Failure when it does not hold them afterwards.
   void replace(const std::vector<SampleItem>& items);
 
  private:
-  graphql::GraphQLSampleQueue queue_;
+  sample_app::LockedQueue queue_;
 };
 
 // The items of the queue, oldest first; takes its lock. Throws Failure as above.

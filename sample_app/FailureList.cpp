@@ -32,7 +32,7 @@ std::string timeNow() {
   return text;
 }
 
-std::string lineFor(const WorkQueue::Item& item, const std::string& reason) {
+std::string lineFor(const SampleItem& item, const std::string& reason) {
   Json::Value entry;
   entry["time"] = timeNow();
   entry["bookId"] = item.bookId;
@@ -62,7 +62,7 @@ bool append(const std::string& path, const std::string& line) {
 
 }  // namespace
 
-bool listFailure(const WorkQueue::Item& item, const std::string& reason) {
+bool listFailure(const SampleItem& item, const std::string& reason) {
   const std::string path = host::hostPath(kFailureListPath);
   const host::FileLock lock(path);
   keepSmall(path);

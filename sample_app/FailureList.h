@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "sample_app/WorkQueue.h"
+#include "sample_app/LockedQueue.h"
 
 namespace sample_app {
 
@@ -15,7 +15,7 @@ extern const char kFailureListPath[];
 // Appends `item` and why nothing could be made of it; on the disk when this returns. A list of
 // more than 1 MiB is first renamed to the same name with ".old", over the one before. False, and
 // logged, when the line could not be written.
-bool listFailure(const WorkQueue::Item& item, const std::string& reason);
+bool listFailure(const SampleItem& item, const std::string& reason);
 
 }  // namespace sample_app
 

@@ -7,16 +7,15 @@ using graphql::GraphQLApi;
 
 namespace sample_app {
 
-void LogListener::begins(const WorkQueue::Item&) {}
+void LogListener::begins(const SampleItem&) {}
 
 void LogListener::found(const GraphQLApi::SampleMetadata&) {}
 
-void LogListener::done(const WorkQueue::Item&, const GraphQLApi::SampleMetadata&,
-                       const Thumbnail&) {
+void LogListener::done(const SampleItem&, const GraphQLApi::SampleMetadata&, const Thumbnail&) {
   postponedFor_.clear();
 }
 
-void LogListener::setAside(const WorkQueue::Item& item, const std::string& reason) {
+void LogListener::setAside(const SampleItem& item, const std::string& reason) {
   HOST_LOG_FAILURE("The sample %s of the book %s is set aside: %s",
                    host::visibleText(item.sampleFilePath).c_str(),
                    host::visibleText(item.bookId).c_str(), reason.c_str());

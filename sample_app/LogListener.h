@@ -11,11 +11,11 @@ namespace sample_app {
 
 class LogListener : public WorkListener {
  public:
-  void begins(const WorkQueue::Item& item) override;
+  void begins(const SampleItem& item) override;
   void found(const graphql::GraphQLApi::SampleMetadata& metadata) override;
-  void done(const WorkQueue::Item& item, const graphql::GraphQLApi::SampleMetadata& metadata,
+  void done(const SampleItem& item, const graphql::GraphQLApi::SampleMetadata& metadata,
             const Thumbnail& thumbnail) override;
-  void setAside(const WorkQueue::Item& item, const std::string& reason) override;
+  void setAside(const SampleItem& item, const std::string& reason) override;
   void postponed(Obstacle obstacle, const std::string& reason) override;
   void signedOut(const std::string& reason) override;
 

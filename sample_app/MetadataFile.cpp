@@ -22,7 +22,7 @@ void tellThumbnail(const Thumbnail& thumbnail, const std::string& file, Json::Va
   }
 }
 
-Json::Value documentOf(const WorkQueue::Item& item, const GraphQLApi::SampleMetadata& metadata) {
+Json::Value documentOf(const SampleItem& item, const GraphQLApi::SampleMetadata& metadata) {
   Json::Value document;
   document["bookId"] = item.bookId;
   document["sampleFilePath"] = item.sampleFilePath;
@@ -43,7 +43,7 @@ std::string textOf(const Json::Value& document) {
 
 }  // namespace
 
-host::FileFailure placeMetadata(const std::string& path, const WorkQueue::Item& item,
+host::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
                                 const GraphQLApi::SampleMetadata& metadata,
                                 const Thumbnail& thumbnail) {
   const std::string picture = path + ".thumbnail." + thumbnail.extension;

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "graphql_api/GraphQLApi.h"
+#include "sample_app/LockedQueue.h"
 #include "sample_app/Thumbnail.h"
-#include "sample_app/WorkQueue.h"
 
 namespace sample_app {
 
@@ -24,18 +24,17 @@ class WorkListener {
   virtual ~WorkListener() = default;
 
   // The work on `item`, the oldest of the queue, begins. The queue's lock is free.
-  virtual void begins(const WorkQueue::Item& item) = 0;
+  virtual void begins(const SampleItem& item) = 0;
 
   // The store knows the item's book; its picture and its files are next.
   virtual void found(const graphql::GraphQLApi::SampleMetadata& metadata) = 0;
 
   // The item has its files, and is removed.
-  virtual void done(const WorkQueue::Item& item,
-                    const graphql::GraphQLApi::SampleMetadata& metadata,
+  virtual void done(const SampleItem& item, const graphql::GraphQLApi::SampleMetadata& metadata,
                     const Thumbnail& thumbnail) = 0;
 
   // The item is in the list of failures, and is removed.
-  virtual void setAside(const WorkQueue::Item& item, const std::string& reason) = 0;
+  virtual void setAside(const SampleItem& item, const std::string& reason) = 0;
 
   // The item stays, and may end well another time.
   virtual void postponed(Obstacle obstacle, const std::string& reason) = 0;

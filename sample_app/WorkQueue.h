@@ -5,10 +5,8 @@
 #define SAMPLE_APP_WORKQUEUE_H_
 
 #include <optional>
-#include <string>
-#include <vector>
 
-#include "graphql_api/GraphQLSampleQueue.h"
+#include "sample_app/LockedQueue.h"
 
 namespace sample_app {
 
@@ -20,20 +18,14 @@ extern const char kJournalPath[];
 // journal first, which recover() puts back.
 class WorkQueue {
  public:
-  using Item = graphql::GraphQLSampleQueue::SampleItem;
-
   // Puts back what a worker that was killed has taken out of the queue and not written again. What
   // others added meanwhile follows. Does nothing without a journal. False, and logged, when that
   // fails.
   bool recover();
 
-  // The oldest item, which stays; nothing when the queue is empty. An item may be damaged or hold
-  // empty texts.
-  std::optional<Item> oldest();
-
   // Removes `item` if it is still the oldest: somebody else may have removed it. False, and logged,
   // when the queue could not be rewritten; recover() is then due.
-  bool removeOldest(const Item& item);
+  bool removeOldest(const SampleItem& item);
 
   // True when the queue is empty. Its lock is then held until this object or the process is gone:
   // whoever adds an item waits for it, and finds no task of the application any more. Also true
@@ -41,11 +33,7 @@ class WorkQueue {
   bool closeIfEmpty();
 
  private:
-  std::vector<Item> items();
-  bool rewrite(const std::vector<Item>& items);
-  bool placeJournal(const std::vector<Item>& items);
-
-  graphql::GraphQLSampleQueue queue_;
+  std::optional<LockedQueue> closed_;
 };
 
 }  // namespace sample_app

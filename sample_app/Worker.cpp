@@ -67,11 +67,11 @@ Worker::Step Worker::workOnOldest() {
   if (!queue_.recover()) {
     return postpone(Obstacle::Files, "the journal of the queue cannot be used");
   }
-  const std::optional<WorkQueue::Item> item = queue_.oldest();
+  const std::optional<SampleItem> item = oldestItem();
   return item ? work(*item) : Step::Empty;
 }
 
-Worker::Step Worker::work(const WorkQueue::Item& item) {
+Worker::Step Worker::work(const SampleItem& item) {
   listener_.begins(item);
   const SamplePath sample = locateSample(item.sampleFilePath);
   if (!sample.isUsable()) {
@@ -97,7 +97,7 @@ Worker::Step Worker::work(const WorkQueue::Item& item) {
 }
 
 // An item leaves the queue in the last step: whatever came before is on the disk.
-Worker::Step Worker::place(const WorkQueue::Item& item, const std::string& path,
+Worker::Step Worker::place(const SampleItem& item, const std::string& path,
                            const graphql::GraphQLApi::SampleMetadata& metadata) {
   listener_.found(metadata);
   const Thumbnail thumbnail = fetchThumbnail(metadata.thumbnailUrl);
@@ -112,7 +112,7 @@ Worker::Step Worker::place(const WorkQueue::Item& item, const std::string& path,
   return Step::Done;
 }
 
-Worker::Step Worker::setAside(const WorkQueue::Item& item, const std::string& reason) {
+Worker::Step Worker::setAside(const SampleItem& item, const std::string& reason) {
   if (!listFailure(item, reason)) {
     return postpone(Obstacle::Files, "the list of failures cannot be written");
   }

@@ -51,10 +51,10 @@ class Worker {
   Step workOnOldest();
 
  private:
-  Step work(const WorkQueue::Item& item);
-  Step place(const WorkQueue::Item& item, const std::string& path,
+  Step work(const SampleItem& item);
+  Step place(const SampleItem& item, const std::string& path,
              const graphql::GraphQLApi::SampleMetadata& metadata);
-  Step setAside(const WorkQueue::Item& item, const std::string& reason);
+  Step setAside(const SampleItem& item, const std::string& reason);
   Step postpone(Obstacle obstacle, const std::string& reason);
   void pauseWhileEmpty();
 

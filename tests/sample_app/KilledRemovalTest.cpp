@@ -43,10 +43,10 @@ class KilledRemovalTest : public ::testing::Test {
   }
 
   static std::vector<std::string> queued() {
-    std::vector<WorkQueue::Item> items;
+    std::vector<sample_app::SampleItem> items;
     graphql::GraphQLSampleQueue().deserializeSampleItems(&items);
     std::vector<std::string> texts;
-    for (const WorkQueue::Item& item : items) {
+    for (const sample_app::SampleItem& item : items) {
       texts.push_back(item.bookId + item.sampleFilePath);
     }
     return texts;

@@ -8,5 +8,5 @@
 int main() {
   sample_app::WorkQueue queue;
   ::getppid();
-  return queue.recover() && queue.removeOldest(*queue.oldest()) ? 0 : 1;
+  return queue.recover() && queue.removeOldest(*sample_app::oldestItem()) ? 0 : 1;
 }

@@ -23,7 +23,7 @@
 const char kQueuePath[] = "/tmp/sample.queue";
 const char kPng[] = "\x89PNG\r\n\x1a\nand so on";
 
-using Item = sample_app::WorkQueue::Item;
+using Item = sample_app::SampleItem;
 
 // Lines such as {"a":1}, one after the other.
 inline std::vector<Json::Value> parseJsonLines(const std::string& text) {

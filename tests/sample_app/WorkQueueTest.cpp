@@ -33,27 +33,27 @@ class WorkQueueTest : public SampleAppTest {
 
 TEST_F(WorkQueueTest, TheOldestItemStays) {
   queueHolds({{"b1", "/1"}, {"b2", "/2"}});
-  EXPECT_EQ(queue.oldest()->bookId, "b1");
-  EXPECT_EQ(queue.oldest()->sampleFilePath, "/1");
+  EXPECT_EQ(sample_app::oldestItem()->bookId, "b1");
+  EXPECT_EQ(sample_app::oldestItem()->sampleFilePath, "/1");
   EXPECT_FALSE(isLocked());
 }
 
 TEST_F(WorkQueueTest, AnEmptyQueueHasNoOldestItem) {
-  EXPECT_FALSE(queue.oldest());
+  EXPECT_FALSE(sample_app::oldestItem());
 }
 
 TEST_F(WorkQueueTest, AnItemOfTwoEmptyTextsIsOne) {
   queueHolds({{"", ""}, {"b2", "/2"}});
-  ASSERT_TRUE(queue.oldest());
-  EXPECT_EQ(queue.oldest()->bookId, "");
+  ASSERT_TRUE(sample_app::oldestItem());
+  EXPECT_EQ(sample_app::oldestItem()->bookId, "");
   EXPECT_TRUE(queue.removeOldest({"", ""}));
-  EXPECT_EQ(queue.oldest()->bookId, "b2");
+  EXPECT_EQ(sample_app::oldestItem()->bookId, "b2");
 }
 
 TEST_F(WorkQueueTest, ADamagedFileIsWorkedOffToItsEnd) {
   std::ofstream(kQueuePath) << "no item at all";
   int steps = 0;
-  while (const auto item = queue.oldest()) {
+  while (const auto item = sample_app::oldestItem()) {
     ASSERT_TRUE(queue.removeOldest(*item));
     ASSERT_LT(++steps, 5);
   }
