@@ -1,8 +1,10 @@
 #include <orvane/utilities/SerializationUtils.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <istream>
 #include <ostream>
+#include <utility>
 
 #include "host/LengthPrefix.h"
 
@@ -27,8 +29,8 @@ bool readString(std::streambuf& in, std::string* text) {
     }
     byte = std::streambuf::traits_type::to_char_type(next);
   }
-  const std::size_t length = host::decodeLength(prefix);
-  if (static_cast<std::streamsize>(length) <= in.in_avail()) {
+  const std::uint32_t length = host::decodeLength(prefix);
+  if (std::int64_t{length} <= in.in_avail()) {
     text->resize(length);
     return readBytes(in, &(*text)[0], length);
   }

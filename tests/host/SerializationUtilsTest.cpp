@@ -104,6 +104,17 @@ TEST(SerializationUtilsTest, DoesNotBelieveALengthThatTheStreamCannotBack) {
   EXPECT_LE(source.largestRequest, 64 * 1024);
 }
 
+// On 32-bit systems such lengths do not fit into a signed number of bytes.
+TEST(SerializationUtilsTest, FailsAtTheLongestLengths) {
+  for (const std::string prefix : {"\xff\xff\xff\x7f", "\xff\xff\xff\xff"}) {
+    std::istringstream in(prefix + "x");
+    std::string text = "before";
+    EXPECT_NE(SerializationUtils::DeserializeString(in, &text), 0);
+    EXPECT_EQ(text, "before");
+    EXPECT_TRUE(in.eof());
+  }
+}
+
 TEST(SerializationUtilsTest, FailsWhenTheStreamCannotBeWritten) {
   std::ostringstream out;
   out.setstate(std::ios::badbit);
