@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -59,7 +60,7 @@ void writeAndRead(const std::string& bytes) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   try {
-    support::enterPrivateTmp();
+    support::enterPrivateTmp({std::filesystem::current_path()});  // where the inputs are
     return 0;
   } catch (const std::exception& failure) {
     std::cerr << failure.what() << "\n";
