@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <locale>
@@ -18,6 +19,7 @@
 
 #include "graphql_api/GraphQLHeader.h"
 #include "graphql_api/Log.h"
+#include "graphql_api/Text.h"
 
 using orvane::utilities::HttpRequest;
 using orvane::utilities::HttpRequestRunner;
@@ -96,6 +98,16 @@ const Json::Value* findMember(const Json::Value& value, const std::string& name)
   return value.isObject() ? value.find(name.data(), name.data() + name.size()) : nullptr;
 }
 
+// Sets the member `name` of `object`.
+void set(Json::Value& object, const char* name, const std::string& text) {
+  object[name] = text;
+}
+
+// Reads the member `name` of `object` into `*text`.
+void read(const Json::Value& object, const char* name, std::string* text) {
+  *text = object[name].asString();
+}
+
 }  // namespace
 
 // What one operation says of itself; perform() does the rest.
@@ -108,7 +120,7 @@ struct GraphQLApi::Operation {
     Combined,             // both alike: log, callback
     TransportOnly,        // failed transfer: log, callback; status: nothing
     TransportThenStatus,  // failed transfer: log; status: callback, parse, log
-    Session,              // both alike: callback, afterCallback, parse, log
+    Session,              // both alike: callback, the tokens if wanted, parse, log
   };
 
   const char* const signature;                // the place that its log lines name
@@ -120,7 +132,7 @@ struct GraphQLApi::Operation {
   bool logsRequest = false;
   bool takesHeaders = false;  // the transfer then has no time limit
   Failure failure = Failure::Combined;
-  std::function<void()> afterCallback;
+  bool clearsTokens = false;             // a failure empties those of the storage
   const char* failureFormat = nullptr;   // takes the runner's result and the status, both int
   const char* responseFormat = nullptr;  // takes the answer's text; null logs no answer
 };
@@ -211,7 +223,7 @@ GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
 int GraphQLApi::transfer(const Operation& operation, Answer* answer) {
   HttpRequest request("POST", operation.url);
   Json::Value body;
-  body["query"] = operation.query;
+  set(body, "query", operation.query);
   body["variables"] = operation.variables;
   request.AddPostData(writeJson(body));
   addGraphQLHeaders(request, operation.store, operation.tokenType);
@@ -261,8 +273,8 @@ void GraphQLApi::reportFailure(const Operation& operation, Answer* answer) {
       break;
     case Operation::Failure::Session:
       callBack();
-      if (operation.afterCallback) {
-        operation.afterCallback();
+      if (operation.clearsTokens) {
+        storeTokens(GraphQLStorageApi::LoginInfo(), GraphQLStorageApi::StoreInfo(), std::string());
       }
       parseJson(answer->body, &answer->root);
       log();
@@ -291,15 +303,15 @@ GraphQLStorageApi::StoreInfo discoveryStore() {
 GraphQLStorageApi::StoreInfo readStore(const Json::Value& value) {
   GraphQLStorageApi::StoreInfo store;
   store.status = true;
-  store.storeName = value["storeName"].asString();
-  store.url = value["url"].asString();
-  store.apiUrl = value["apiUrl"].asString();
-  store.language = value["language"].asString();
-  store.langCode = value["langCode"].asString();
-  store.storeCode = value["storeCode"].asString();
-  store.integrationToken = value["integrationToken"].asString();
-  store.providerID = value["providerID"].asString();
-  store.currency = value["currency"].asString();
+  read(value, "storeName", &store.storeName);
+  read(value, "url", &store.url);
+  read(value, "apiUrl", &store.apiUrl);
+  read(value, "language", &store.language);
+  read(value, "langCode", &store.langCode);
+  read(value, "storeCode", &store.storeCode);
+  read(value, "integrationToken", &store.integrationToken);
+  read(value, "providerID", &store.providerID);
+  read(value, "currency", &store.currency);
   if (store.storeName.empty()) {
     store.storeName = store.language;
   }
@@ -381,8 +393,8 @@ GraphQLStorageApi::LoginInfo GraphQLApi::readLogin(Answer* answer, const std::st
     return login;
   }
   login.accessToken = token->asString();
-  login.refreshToken = (*result)["refresh_token"].asString();
-  login.expiresIn = (*result)["expires_in"].asString();
+  read(*result, "refresh_token", &login.refreshToken);
+  read(*result, "expires_in", &login.expiresIn);
   return login;
 }
 
@@ -399,16 +411,14 @@ GraphQLStorageApi::LoginInfo GraphQLApi::auth(const GraphQLStorageApi::StoreInfo
                                               const std::string& password) {
   Operation operation(__PRETTY_FUNCTION__, store);
   operation.query = kSignInQuery;
-  operation.variables["email"] = email;
-  operation.variables["password"] = password;
+  set(operation.variables, "email", email);
+  set(operation.variables, "password", password);
   operation.tokenType = GraphQLStorageApi::Integration;
   operation.logsRequest = true;
   operation.takesHeaders = true;
   operation.failure = Operation::Failure::Session;
   // A failed sign-in clears the stored tokens; a failed refresh keeps them. Both on purpose.
-  operation.afterCallback = [this] {
-    storeTokens(GraphQLStorageApi::LoginInfo(), GraphQLStorageApi::StoreInfo(), std::string());
-  };
+  operation.clearsTokens = true;
   operation.failureFormat = "auth failed err = %d, code = %d";
   operation.responseFormat = "Auth responce: [%s]";
 
@@ -427,7 +437,7 @@ GraphQLStorageApi::LoginInfo GraphQLApi::refreshTokens(const GraphQLStorageApi::
                                                        const std::string& refreshToken) {
   Operation operation(__PRETTY_FUNCTION__, store);
   operation.query = kRefreshQuery;
-  operation.variables["refreshToken"] = refreshToken;
+  set(operation.variables, "refreshToken", refreshToken);
   operation.tokenType = GraphQLStorageApi::Integration;
   operation.failure = Operation::Failure::Session;
   operation.failureFormat = "auth failed err = %d, code = %d";  // the sign-in's, on purpose
@@ -482,7 +492,7 @@ GraphQLApi::ApiError GraphQLApi::isEmailAvailable(const GraphQLStorageApi::Store
                                                   const std::string& email, bool* available) {
   Operation operation(__PRETTY_FUNCTION__, store);
   operation.query = kEmailAvailableQuery;
-  operation.variables["email"] = email;
+  set(operation.variables, "email", email);
   operation.failure = Operation::Failure::TransportOnly;
   operation.failureFormat = "getStores failed err = %d, code = %d";  // discovery's, on purpose
   operation.responseFormat = "IsEmailAvailable responce: [%s]";
@@ -509,10 +519,10 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::
   Operation operation(__PRETTY_FUNCTION__, store);
   operation.query = kCreateAccountQuery;
   Json::Value& input = operation.variables["input"];
-  input["email"] = email;
-  input["password"] = password;
-  input["firstname"] = firstname;
-  input["lastname"] = lastname;
+  set(input, "email", email);
+  set(input, "password", password);
+  set(input, "firstname", firstname);
+  set(input, "lastname", lastname);
   input["is_subscribed"] = isSubscribed;
   operation.tokenType = GraphQLStorageApi::Integration;
   operation.failure = Operation::Failure::Combined;
@@ -527,7 +537,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::resetPassword(const GraphQLStorageApi::
                                                        const std::string& email) {
   Operation operation(__PRETTY_FUNCTION__, store);
   operation.query = kResetPasswordQuery;
-  operation.variables["email"] = email;
+  set(operation.variables, "email", email);
   operation.tokenType = GraphQLStorageApi::Integration;
   operation.failure = Operation::Failure::TransportThenStatus;
   operation.failureFormat = "Recovery password failed err = %d, code = %d";
@@ -560,9 +570,9 @@ GraphQLApi::ApiError GraphQLApi::userInfo(const GraphQLStorageApi::StoreInfo& st
     makeErrorInfo(answer.root);
     return BadResponse;
   }
-  info->email = (*customer)["email"].asString();
-  info->firstname = (*customer)["firstname"].asString();
-  info->lastname = (*customer)["lastname"].asString();
+  read(*customer, "email", &info->email);
+  read(*customer, "firstname", &info->firstname);
+  read(*customer, "lastname", &info->lastname);
   return Ok;
 }
 
@@ -586,7 +596,7 @@ static_assert(sizeof(kSamplePriceTail) - 1 == 123, "the service knows this text 
 
 // The uid goes in as it is; one that breaks the query finds no product.
 std::string sampleQuery(const std::string& uid, const char* tail) {
-  return "{\nproductDetails(uid: \"" + uid + tail;
+  return joined({"{\nproductDetails(uid: \"", uid, tail});
 }
 
 // The product in the operation's own member; null unless every level above it is there.
@@ -609,6 +619,15 @@ std::string readAuthor(const Json::Value& product) {
   return name != nullptr && name->isString() ? name->asString() : std::string();
 }
 
+// What only sampleMetadata() reads.
+void readDescription(const Json::Value& product, const GraphQLStorageApi::StoreInfo& store,
+                     GraphQLApi::SampleMetadata* metadata) {
+  metadata->apiUrl = store.apiUrl;
+  read(product, "name", &metadata->name);
+  metadata->author = readAuthor(product);
+  metadata->thumbnailUrl = readThumbnailUrl(product);
+}
+
 // strtod() as in the "C" locale, whatever the locale of the process.
 double leadingNumber(const std::string& text) {
   static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
@@ -628,8 +647,7 @@ int clampedToInt(double value) {
 
 // What both sample operations read; `readMore` reads the rest of the product, if it is set.
 GraphQLApi::SampleMetadata GraphQLApi::fetchSample(const Operation& operation,
-                                                   const std::string& uid,
-                                                   const ProductReader& readMore) {
+                                                   const std::string& uid, ProductReader readMore) {
   const Answer answer = perform(operation);
   SampleMetadata metadata;
   metadata.error = answer.apiError();
@@ -638,9 +656,9 @@ GraphQLApi::SampleMetadata GraphQLApi::fetchSample(const Operation& operation,
   if (product == nullptr) {
     return metadata;
   }
-  metadata.uid = (*product)["uid"].asString();
-  if (readMore) {
-    readMore(*product, &metadata);
+  read(*product, "uid", &metadata.uid);
+  if (readMore != nullptr) {
+    readMore(*product, operation.store, &metadata);
   }
   Json::Value priceRange = (*product)["price_range"];
   if (priceRange.isObject()) {
@@ -659,12 +677,7 @@ GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::S
   operation.failureFormat = "Sample metadata failed err = %d, code = %d";
   operation.responseFormat = "Sample metadata responce: [%s]";
 
-  return fetchSample(operation, uid, [&](const Json::Value& product, SampleMetadata* metadata) {
-    metadata->apiUrl = store.apiUrl;
-    metadata->name = product["name"].asString();
-    metadata->author = readAuthor(product);
-    metadata->thumbnailUrl = readThumbnailUrl(product);
-  });
+  return fetchSample(operation, uid, readDescription);
 }
 
 GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageApi::StoreInfo& store,
@@ -676,7 +689,7 @@ GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageAp
   operation.failureFormat = "Sample price refresh failed err = %d, code = %d";
   operation.responseFormat = "Sample price refresh responce: [%s]";
 
-  return fetchSample(operation, uid, ProductReader());
+  return fetchSample(operation, uid, nullptr);
 }
 
 void GraphQLApi::fillSamplePrice(SampleMetadata& metadata, Json::Value& priceRange) {
@@ -685,12 +698,12 @@ void GraphQLApi::fillSamplePrice(SampleMetadata& metadata, Json::Value& priceRan
     return;
   }
   const Json::Value& regularPrice = (*minimum)["regular_price"];
-  const std::string prefix = regularPrice["currency"].asString() + " ";
+  const std::string currency = regularPrice["currency"].asString();
   const std::string regularAmount = regularPrice["value"].asString();
   const std::string finalAmount = (*minimum)["final_price"]["value"].asString();
-  metadata.price = prefix + normalizePrice(finalAmount);
+  metadata.price = joined({currency, " ", normalizePrice(finalAmount)});
   if (finalAmount != regularAmount) {
-    metadata.oldPrice = prefix + normalizePrice(regularAmount);
+    metadata.oldPrice = joined({currency, " ", normalizePrice(regularAmount)});
   }
 }
 
@@ -706,11 +719,9 @@ std::string GraphQLApi::normalizePrice(const std::string& amount) {
     return text + ".00";
   }
   const int cents = clampedToInt(std::round(leadingNumber(text) * 100.0));
-  std::string remainder = std::to_string(cents % 100);
-  if (remainder.size() < 2) {
-    remainder.insert(0, 1, '0');
-  }
-  return std::to_string(cents / 100) + "." + remainder;
+  char price[24];
+  std::snprintf(price, sizeof price, "%d.%02d", cents / 100, cents % 100);
+  return price;
 }
 
 }  // namespace graphql

@@ -184,7 +184,9 @@ class GraphQLApi {
  private:
   struct Operation;
   struct Answer;
-  using ProductReader = std::function<void(const Json::Value& product, SampleMetadata* metadata)>;
+  using ProductReader = void (*)(const Json::Value& product,
+                                 const GraphQLStorageApi::StoreInfo& store,
+                                 SampleMetadata* metadata);
 
   Answer perform(const Operation& operation);
   int transfer(const Operation& operation, Answer* answer);
@@ -194,7 +196,7 @@ class GraphQLApi {
   void storeTokens(const GraphQLStorageApi::LoginInfo& login,
                    const GraphQLStorageApi::StoreInfo& store, const std::string& cacheId);
   SampleMetadata fetchSample(const Operation& operation, const std::string& uid,
-                             const ProductReader& readMore);
+                             ProductReader readMore);
 
   std::shared_ptr<GraphQLStorageApi> storage;
   std::function<void(int, int)> errorCb;

@@ -2,14 +2,13 @@
 
 #include <ov_sdk.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <utility>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "graphql_api/Log.h"
+#include "graphql_api/Text.h"
 
 std::string deviceModel;
 std::string softwareVersion;
@@ -19,6 +18,8 @@ std::string userAgent;
 namespace graphql {
 
 namespace {
+
+using TextMap = std::map<std::string, std::string>;
 
 bool identityFilled = false;
 
@@ -34,24 +35,32 @@ void fillIdentity() {
   }
   identityFilled = true;
   const std::string number = modelNumber(GetDeviceModel());
-  deviceModel = "eink " + number;
+  deviceModel = joined({"eink ", number});
   softwareVersion = std::string(GetSoftwareVersion());
   serialNumber = std::string(GetSerialNumber());
   // On purpose no blank before the bracket: servers know this exact form.
-  userAgent = "Orvane Reader/" + number + "(screen " + std::to_string(ScreenWidth()) + "x" +
-              std::to_string(ScreenHeight()) + "; FW " + softwareVersion + ")";
+  userAgent = joined({"Orvane Reader/", number, "(screen ", decimal(ScreenWidth()), "x",
+                      decimal(ScreenHeight()), "; FW ", softwareVersion, ")"});
 }
 
-void addBearer(std::map<std::string, std::string>& headers, const char* name,
-               const std::string& token) {
+void set(TextMap& texts, const char* name, const std::string& text) {
+  texts[name] = text;
+}
+
+void setUnlessEmpty(TextMap& texts, const char* name, const std::string& text) {
+  if (!text.empty()) {
+    set(texts, name, text);
+  }
+}
+
+void addBearer(TextMap& headers, const char* name, const std::string& token) {
   if (!token.empty()) {
-    headers[name] = "Bearer " + token;
+    set(headers, name, joined({"Bearer ", token}));
   }
 }
 
 void addCredentials(const GraphQLStorageApi* storage, const GraphQLStorageApi::StoreInfo& store,
-                    GraphQLStorageApi::TokenType type,
-                    std::map<std::string, std::string>& headers) {
+                    GraphQLStorageApi::TokenType type, TextMap& headers) {
   switch (type) {
     case GraphQLStorageApi::None:
       break;
@@ -71,37 +80,42 @@ void addCredentials(const GraphQLStorageApi* storage, const GraphQLStorageApi::S
   }
 }
 
+TextMap requestHeaders(const GraphQLStorageApi* storage, const GraphQLStorageApi::StoreInfo& store,
+                       GraphQLStorageApi::TokenType type) {
+  fillIdentity();
+  TextMap headers;
+  set(headers, "Store", store.storeCode);
+  addCredentials(storage, store, type, headers);
+  set(headers, "Content-Type", "application/json");
+  set(headers, "Cookie",
+      joined({"orvane-currency=", store.currency, "; orvane-locale=", store.langCode,
+              "; orvane-store=", store.storeCode}));
+  set(headers, "User-Agent", userAgent);
+  set(headers, "x-header-reader-model", deviceModel);
+  set(headers, "x-header-software-version", softwareVersion);
+  set(headers, "x-header-deviceid", serialNumber);
+  return headers;
+}
+
 }  // namespace
 
 std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLStorageApi>& storage,
                                                   const GraphQLStorageApi::StoreInfo& store,
                                                   GraphQLStorageApi::TokenType type) {
-  fillIdentity();
-  std::map<std::string, std::string> headers;
-  headers["Store"] = store.storeCode;
-  addCredentials(storage.get(), store, type, headers);
-  headers["Content-Type"] = "application/json";
-  headers["Cookie"] = "orvane-currency=" + store.currency + "; orvane-locale=" + store.langCode +
-                      "; orvane-store=" + store.storeCode;
-  headers["User-Agent"] = userAgent;
-  headers["x-header-reader-model"] = deviceModel;
-  headers["x-header-software-version"] = softwareVersion;
-  headers["x-header-deviceid"] = serialNumber;
-  return headers;
+  return requestHeaders(storage.get(), store, type);
 }
 
-}  // namespace graphql
+// --- The browser --------------------------------------------------------------------------------
 
 namespace {
 
-using graphql::GraphQLStorageApi;
-using TextMap = std::map<std::string, std::string>;
-
 constexpr int kServedStoreVersion = 3;
+
+using Fill = void (*)(const GraphQLStorageApi& storage, const GraphQLStorageApi::StoreInfo& store,
+                      TextMap& output);
 
 // Reads the state afresh; hands a valid current store of a signed-in customer to `fill`, which
 // fills the emptied `output`.
-template <typename Fill>
 void fillForBrowser(TextMap* output, std::string* storeUrl, Fill fill) {
   if (output == nullptr && storeUrl == nullptr) {
     return;
@@ -109,12 +123,12 @@ void fillForBrowser(TextMap* output, std::string* storeUrl, Fill fill) {
   if (orvane::utilities::BookStoreVersionProxy::storeVersion(false) != kServedStoreVersion) {
     return;
   }
-  const auto storage = std::make_shared<GraphQLStorageApi>();
-  GraphQLStorageApi::StoreInfo store = storage->currentStore();
+  GraphQLStorageApi storage;
+  GraphQLStorageApi::StoreInfo store = storage.currentStore();
   if (output != nullptr) {
     output->clear();
-    if (storage->isLoggedIn() && store.isValid()) {
-      fill(storage, store);
+    if (storage.isLoggedIn() && store.isValid()) {
+      fill(storage, store, *output);
     }
   }
   if (storeUrl != nullptr && store.isValid()) {
@@ -122,11 +136,24 @@ void fillForBrowser(TextMap* output, std::string* storeUrl, Fill fill) {
   }
 }
 
-void setUnlessEmpty(TextMap& output, const char* name, const std::string& value) {
-  if (!value.empty()) {
-    output[name] = value;
-  }
+void fillCookies(const GraphQLStorageApi& storage, const GraphQLStorageApi::StoreInfo&,
+                 TextMap& cookies) {
+  setUnlessEmpty(cookies, "orvane-customer", storage.accessToken());
+  setUnlessEmpty(cookies, "orvane-customer-refresh", storage.refreshToken());
+  set(cookies, "orvane-serial-number", GetSerialNumber());
+  setUnlessEmpty(cookies, "x-magento-cache-id", storage.magentoCacheId());
 }
+
+void fillHeaders(const GraphQLStorageApi& storage, const GraphQLStorageApi::StoreInfo& store,
+                 TextMap& headers) {
+  headers = requestHeaders(&storage, store, GraphQLStorageApi::CustomerRefresh);
+}
+
+}  // namespace
+
+// --- Samples ------------------------------------------------------------------------------------
+
+namespace {
 
 const char kSampleApplication[] = "graphql_sample_metadata.app";
 constexpr unsigned int kSampleTaskFlags = 37;
@@ -139,57 +166,49 @@ bool isEmpty(const char* text) {
 }
 
 void startSampleApplication() {
-  const std::string path = std::string("/ombrel/bin/") + kSampleApplication;
+  const std::string path = joined({"/ombrel/bin/", kSampleApplication});
   if (FindTaskByAppName(path.c_str()) > 0) {
     return;
   }
-  const std::unique_ptr<char, decltype(&std::free)> argument(::strdup(path.c_str()), &std::free);
-  char* const arguments[] = {argument.get(), nullptr};
+  std::string argument = path;
+  char* const arguments[] = {argument.data(), nullptr};
   NewTask(path.c_str(), arguments, kSampleApplication, kSampleApplication, nullptr,
           kSampleTaskFlags);
 }
 
 }  // namespace
 
+}  // namespace graphql
+
+// --- Undecorated names --------------------------------------------------------------------------
+
 extern "C" {
 
-void getBrowserCookies(TextMap* cookies, std::string* storeUrl) {
-  fillForBrowser(cookies, storeUrl,
-                 [cookies](const std::shared_ptr<GraphQLStorageApi>& storage,
-                           const GraphQLStorageApi::StoreInfo&) {
-                   setUnlessEmpty(*cookies, "orvane-customer", storage->accessToken());
-                   setUnlessEmpty(*cookies, "orvane-customer-refresh", storage->refreshToken());
-                   (*cookies)["orvane-serial-number"] = std::string(GetSerialNumber());
-                   setUnlessEmpty(*cookies, "x-magento-cache-id", storage->magentoCacheId());
-                 });
+void getBrowserCookies(std::map<std::string, std::string>* cookies, std::string* storeUrl) {
+  graphql::fillForBrowser(cookies, storeUrl, graphql::fillCookies);
 }
 
-void getBrowserGraphQLHeaders(TextMap* headers, std::string* storeUrl) {
-  fillForBrowser(headers, storeUrl,
-                 [headers](const std::shared_ptr<GraphQLStorageApi>& storage,
-                           const GraphQLStorageApi::StoreInfo& store) {
-                   *headers =
-                       graphql::graphQLHeaders(storage, store, GraphQLStorageApi::CustomerRefresh);
-                 });
+void getBrowserGraphQLHeaders(std::map<std::string, std::string>* headers, std::string* storeUrl) {
+  graphql::fillForBrowser(headers, storeUrl, graphql::fillHeaders);
 }
 
 bool isLoggedIn() {
-  return GraphQLStorageApi().isLoggedIn();
+  return graphql::GraphQLStorageApi().isLoggedIn();
 }
 
 void addSample(const char* bookId, const char* sampleFilePath) {
-  if (isEmpty(bookId)) {
-    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, kAddSampleSignature,
+  if (graphql::isEmpty(bookId)) {
+    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, graphql::kAddSampleSignature,
                   "Condition: \"bookId && *bookId\", return]");
     return;
   }
-  if (isEmpty(sampleFilePath)) {
-    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, kAddSampleSignature,
+  if (graphql::isEmpty(sampleFilePath)) {
+    ov_print_log2(graphql::kLogFailure, __FILE__, __LINE__, graphql::kAddSampleSignature,
                   "Condition: \"sampleFilePath && *sampleFilePath\", return]");
     return;
   }
   graphql::GraphQLSampleQueue().addSample(bookId, sampleFilePath);
-  startSampleApplication();
+  graphql::startSampleApplication();
 }
 
 }  // extern "C"

@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <set>
+#include <string_view>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 #include <orvane/utilities/CfgWrapper.h>
 #include <boost/optional.hpp>
 
 #include "graphql_api/Log.h"
+#include "graphql_api/Text.h"
 
 using orvane::utilities::BookStoreVersionProxy;
 using orvane::utilities::CfgSecret;
@@ -34,14 +36,16 @@ class ValueReader {
   explicit ValueReader(const CfgWrapper& config, std::string suffix = std::string())
       : config_(config), suffix_(std::move(suffix)) {}
 
-  void text(const std::string& key, std::string& value) const {
-    value = config_.read<std::string>(key + suffix_, std::string());
+  void text(std::string_view key, std::string& value) const {
+    value = config_.read<std::string>(joined({key, suffix_}), std::string());
   }
-  void secret(const std::string& key, std::string& value) const {
-    value = config_.read<CfgSecret>(key + suffix_, CfgSecret());
+  void secret(std::string_view key, std::string& value) const {
+    value = config_.read<CfgSecret>(joined({key, suffix_}), CfgSecret());
   }
-  void flag(const std::string& key, bool& value) const {
-    value = config_.read<std::string>(key + suffix_, std::string()) == "true";
+  void flag(std::string_view key, bool& value) const {
+    std::string word;
+    text(key, word);
+    value = word == "true";
   }
 
  private:
@@ -55,13 +59,13 @@ class ValueWriter {
   explicit ValueWriter(const CfgWrapper& config, std::string suffix = std::string())
       : handle_(config.handle), suffix_(std::move(suffix)) {}
 
-  void text(const std::string& key, const std::string& value) const {
-    WriteString(handle_, (key + suffix_).c_str(), value.c_str());
+  void text(std::string_view key, const std::string& value) const {
+    WriteString(handle_, joined({key, suffix_}).c_str(), value.c_str());
   }
-  void secret(const std::string& key, const std::string& value) const {
-    WriteSecret(handle_, (key + suffix_).c_str(), value.c_str());
+  void secret(std::string_view key, const std::string& value) const {
+    WriteSecret(handle_, joined({key, suffix_}).c_str(), value.c_str());
   }
-  void flag(const std::string& key, bool value) const { text(key, trueOrFalse(value)); }
+  void flag(std::string_view key, bool value) const { text(key, trueOrFalse(value)); }
 
  private:
   ov_config* const handle_;
@@ -85,7 +89,7 @@ void visitStore(const Values& values, Store& store) {
 
 GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int index) {
   GraphQLStorageApi::StoreInfo store;
-  visitStore(ValueReader(config, std::to_string(index)), store);
+  visitStore(ValueReader(config, decimal(index)), store);
   return store;
 }
 
@@ -161,7 +165,7 @@ void GraphQLStorageApi::saveStoreList() {
   WriteInt(config.handle, "count", count);
   int index = 0;
   for (const StoreInfo& store : storesList_) {
-    visitStore(ValueWriter(config, std::to_string(index)), store);
+    visitStore(ValueWriter(config, decimal(index)), store);
     GRAPHQL_LOG(kLogInformation, "Save stores: url [%d] [%s]", index, store.url.c_str());
     ++index;
   }
