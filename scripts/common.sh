@@ -63,3 +63,16 @@ build_preset() {
     { cat "$build_folder/$preset-configure.log" >&2; fail "configuring '$preset' failed"; }
   cmake --build "$build_folder/$preset" --parallel "$(nproc)" ${1:+--target "$@"}
 }
+
+# The library as it is packed, but with symbols, and the programs of footprint/: builds them in
+# build/measured-ARCH. ARCH is x86_64, armhf or arm64.
+build_measured() {
+  local architecture=$1 log=$build_folder/measured-$1-build.log
+  if [[ $architecture != x86_64 ]]; then
+    "$project_folder/scripts/sysroot" "$architecture"
+  fi
+  build_preset "measured-$architecture" graphql_api heap_peak load_time >"$log" ||
+    { tail -n 40 "$log" >&2; fail "the build for $architecture failed"; }
+}
+
+measured_library() { printf '%s\n' "$build_folder/measured-$1/graphql_api/libgraphql_api.so.1"; }
