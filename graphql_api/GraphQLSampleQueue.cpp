@@ -98,12 +98,12 @@ std::size_t visitItems(GraphQLSampleQueue& queue, std::string& bytes, Visit visi
 }
 
 // The encoded items, one after the other, without those that cannot be encoded.
-std::string encode(GraphQLSampleQueue& queue,
-                   const std::vector<GraphQLSampleQueue::SampleItem>& items) {
+std::string encode(GraphQLSampleQueue& queue, const GraphQLSampleQueue::SampleItem* items,
+                   std::size_t count) {
   std::ostringstream encoded;
-  for (const GraphQLSampleQueue::SampleItem& item : items) {
+  for (const auto* item = items; item != items + count; ++item) {
     const auto begin = encoded.tellp();
-    if (queue.serializeSampleItem(item, encoded) != 0) {
+    if (queue.serializeSampleItem(*item, encoded) != 0) {
       encoded.clear();
       encoded.seekp(begin);
     }
@@ -113,21 +113,22 @@ std::string encode(GraphQLSampleQueue& queue,
   return bytes;
 }
 
-// `bytes` without the items for which `isKept` is false. What was read whole keeps its bytes, for
-// encoding thousands of items anew takes longer than reading and writing the file.
-template <typename IsKept>
-std::string keepItems(GraphQLSampleQueue& queue, std::string bytes, IsKept isKept) {
+// `bytes` without the first item of the book `unwanted`, if there is one. What was read whole keeps
+// its bytes, for encoding thousands of items anew takes longer than reading and writing the file.
+std::string keepItems(GraphQLSampleQueue& queue, std::string bytes, const std::string* unwanted) {
   std::string kept;
   std::size_t copied = 0;  // of `bytes`: what stands before is in `kept`, or is not kept
   const std::size_t end =
       visitItems(queue, bytes, [&](const GraphQLSampleQueue::SampleItem& item, const Span& span) {
-        const bool keeps = isKept(item);
-        if (keeps && span.isWhole) {
+        const bool isUnwanted = unwanted != nullptr && item.bookId == *unwanted;
+        if (span.isWhole && !isUnwanted) {
           return;
         }
         kept.append(bytes, copied, span.begin - copied);
-        if (keeps) {
-          kept += encode(queue, {item});
+        if (isUnwanted) {
+          unwanted = nullptr;
+        } else {
+          kept += encode(queue, &item, 1);
         }
         copied = span.end;
       });
@@ -225,22 +226,16 @@ void GraphQLSampleQueue::addSample(const std::string& bookId, const std::string&
     return;
   }
   const Unlocker unlocker(*this);
-  const std::string added = encode(*this, {{bookId, sampleFilePath}});
-  std::string bytes =
-      keepItems(*this, readFile(added.size()), [](const SampleItem&) { return true; });
-  writeFile(bytes += added);
+  const SampleItem item = {bookId, sampleFilePath};
+  const std::string added = encode(*this, &item, 1);
+  writeFile(keepItems(*this, readFile(added.size()), nullptr) += added);
 }
 
 int GraphQLSampleQueue::removeSample(const std::string& bookId) {
   // Without the lock, too: the worker must get on with the queue.
   lockSampleQueueFile();
   const Unlocker unlocker(*this);
-  bool isFound = false;
-  writeFile(keepItems(*this, readFile(), [&](const SampleItem& item) {
-    const bool isFirst = !isFound && item.bookId == bookId;
-    isFound = isFound || isFirst;
-    return !isFirst;
-  }));
+  writeFile(keepItems(*this, readFile(), &bookId));
   return 1;
 }
 
@@ -262,7 +257,7 @@ GraphQLSampleQueue::SampleItem GraphQLSampleQueue::getNextSample() {
 }
 
 int GraphQLSampleQueue::serializeSampleItems(const std::vector<SampleItem>& items) {
-  writeFile(encode(*this, items));
+  writeFile(encode(*this, items.data(), items.size()));
   return 0;
 }
 
