@@ -134,7 +134,9 @@ TEST_P(SampleCommandsTest, CtrlCStopsTheWorkAndLosesNothing) {
     return ended;
   });
   ASSERT_TRUE(arrives("productDetails"));
-  ASSERT_EQ(::kill(processIn(pidFile), SIGINT), 0);
+  const int process = processIn(pidFile);
+  ASSERT_GT(process, 0);  // 0 would be every process of this group
+  ASSERT_EQ(::kill(process, SIGINT), 0);
   const Ended ended = working.get();
   EXPECT_EQ(ended.code, 128 + SIGINT);
   EXPECT_THAT(ended.output,

@@ -240,7 +240,9 @@ TEST_P(ApplicationTest, ATermSignalEndsItAndKeepsTheItem) {
   everySampleIsMissed();
   add("MTAw", "1.sample");
   ASSERT_TRUE(waitUntil([&] { return requestsOf("productDetails") >= 1; }));
-  ::kill(running(), SIGTERM);
+  const int task = running();
+  ASSERT_GT(task, 0);  // 0 would be every process of this group
+  ::kill(task, SIGTERM);
   ASSERT_TRUE(leaves());
   EXPECT_TRUE(isQueued("1.sample"));
 }
