@@ -124,8 +124,8 @@ void requireHeld(const WorkerLock& lock) {
                 "see the log lines above, and move away what stands there");
 }
 
-// A worker that has drained the queue holds the queue's lock, so that who adds an item waits. As the
-// lock of the worker goes first, the application that is then started gets that one.
+// A worker that has drained the queue holds the queue's lock, so that who adds an item waits. As
+// the lock of the worker goes first, the application that is then started gets that one.
 Worker::End workThrough(const Context& context, const BlockedSignals& signals, Report& report) {
   BlockedSignalsWaiter waiter(signals);
   Worker worker(context.storage, waiter, report, std::chrono::milliseconds(0), std::nullopt);
