@@ -31,11 +31,14 @@ inline void enterPrivateTmp(const std::vector<std::string>& kept = {}) {
     }
   };
   const uid_t user = ::getuid();
+  const gid_t group = ::getgid();
   if (user == 0) {
     require(::unshare(CLONE_NEWNS) == 0, "mount namespace");
   } else {
     require(::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0, "user namespace");
     std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+    std::ofstream("/proc/self/setgroups") << "deny";  // or the group may not be told
+    std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
   }
   require(::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0, "private mounts");
   std::vector<std::pair<std::string, int>> folders;
