@@ -20,9 +20,11 @@
 #include "graphql_api/GraphQLHeader.h"
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "tests/support/PrivateTmp.h"
+#include "tests/support/SystemCallFaults.h"
 #include "tests/unit/PlatformTest.h"
 
 using graphql::GraphQLSampleQueue;
+using support::SystemCallFaults;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -363,11 +365,12 @@ TEST_F(SampleQueueTest, DamageBehindGoodItemsNeverLosesThem) {
   EXPECT_EQ(found.back(), "b2@/s/2");
 }
 
-TEST_F(SampleQueueTest, AddingKeepsWhatWasReadAndEncodesTheDamagedItemAnew) {
+TEST_F(SampleQueueTest, AddingEncodesEveryItemAgain) {
   fileHolds("01:a1:b" + encoded("b1", "/s/1") + "2:b2");
   queue.addSample("b3", "/s/3");
-  EXPECT_EQ(fileBytes(),
-            "01:a1:b" + encoded("b1", "/s/1") + encoded("b2", "/s/1") + encoded("b3", "/s/3"));
+  EXPECT_EQ(fileBytes(), encoded("a", "b") + encoded("b1", "/s/1") + encoded("b2", "/s/1") +
+                             encoded("b3", "/s/3"));
+  EXPECT_THAT(platform().callsOf({"SerializeString"}), SizeIs(8));
   EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
 }
 
@@ -381,7 +384,7 @@ TEST_F(SampleQueueTest, RemovingFindsTheDamagedItemToo) {
 
 TEST_F(SampleQueueTest, ADamagedItemThatCannotBeEncodedEitherIsLeftOut) {
   fileHolds(encoded("b1", "/s/1") + "2:b2");
-  platform().failAt("SerializeString", 3);  // after those of the new item
+  platform().failAt("SerializeString", 3);
   queue.addSample("b3", "/s/3");
   EXPECT_EQ(fileBytes(), encoded("b1", "/s/1") + encoded("b3", "/s/3"));
 }
@@ -450,10 +453,164 @@ TEST_F(SampleQueueTest, AFailedFirstStringKeepsTheSecondFromBeingTried) {
   EXPECT_THAT(platform().callsOf({"SerializeString", "DeserializeString"}), SizeIs(2));
 }
 
-TEST_F(SampleQueueTest, AnExceptionOfTheEncodingDropsTheLock) {
+TEST_F(SampleQueueTest, AnExceptionOfTheEncodingDropsTheLockAndLeavesTheFile) {
+  fileHolds(encoded("b1", "/s/1"));
   platform().throwAt("SerializeString");
   EXPECT_THROW(queue.addSample("b", "/s"), fake::Failure);
   EXPECT_FALSE(isLocked());
+  platform().throwAt("SerializeString");
+  EXPECT_THROW(queue.removeSample("b"), fake::Failure);
+  EXPECT_FALSE(isLocked());
+  platform().throwAt("DeserializeString");
+  EXPECT_THROW(queue.getNextSample(), fake::Failure);
+  EXPECT_FALSE(isLocked());
+  EXPECT_EQ(fileBytes(), encoded("b1", "/s/1"));
+}
+
+TEST_F(SampleQueueTest, ADamagedItemThatTheDecoderGetsOverHidesNoneBehindIt) {
+  fileHolds(encoded("b1", "/s/1") + encoded("b2", "/s/2") + encoded("b3", "/s/3"));
+  // The path of the second item is not read: what follows is decoded from there.
+  platform().failAt("DeserializeString", 4);
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/1", "/s/2@b3", "/s/3@b3"));
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed, kCodingFailed));
+}
+
+// --- Failing system calls ------------------------------------------------------------------------
+
+TEST_F(SampleQueueTest, ALockThatFailsOrIsInterruptedGivesOneAndClosesTheDescriptor) {
+  const std::size_t before = openDescriptors();
+  for (const int error : {EINTR, ENOLCK}) {
+    SystemCallFaults faults;
+    faults.fail("flock", error);
+    EXPECT_EQ(queue.lockSampleQueueFile(), 1);
+    EXPECT_EQ(faults.count("flock"), 1);
+  }
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_THAT(platform().log, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, ShortReadsAndWritesGoOnWithWhatIsLeft) {
+  fileHolds(encoded("b1", "/s/1") + encoded("b2", "/s/2"));
+  SystemCallFaults faults;
+  faults.transferAtMost(3);
+  queue.addSample("b3", "/s/3");
+  EXPECT_GT(faults.count("read"), 5);
+  EXPECT_GT(faults.count("write"), 5);
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/2", "b3@/s/3"));
+}
+
+TEST_F(SampleQueueTest, InterruptedCallsAreMadeAgain) {
+  fileHolds(encoded("b1", "/s/1"));
+  SystemCallFaults faults;
+  faults.transferAtMost(3);
+  for (const char* call : {"read", "write", "ftruncate"}) {
+    faults.fail(call, EINTR, 1, 2);
+  }
+  faults.fail("open", EINTR, 2);  // the first one is the lock's
+  queue.addSample("b2", "/s/2");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/2"));
+  EXPECT_THAT(platform().log, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, AFileThatShrinksWhileItIsReadEndsTheLoop) {
+  const std::string first = encoded("b1", "/s/1");
+  fileHolds(first + encoded("b2", "/s/2"));
+  SystemCallFaults faults;
+  faults.transferAtMost(first.size());
+  faults.endOfFileAtRead(2);
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1"));
+}
+
+TEST_F(SampleQueueTest, AFileThatCannotBeReadIsNotRewritten) {
+  const std::string before = encoded("b1", "/s/1") + encoded("b2", "/s/2");
+  const std::size_t descriptors = openDescriptors();
+  for (const std::string call : {"open", "fstat", "read"}) {
+    for (const int error : {EIO, EMFILE, EAGAIN, EACCES}) {
+      fileHolds(before);
+      const int nth = call == "open" ? 2 : 1;  // the first open() is the lock's
+      {
+        SystemCallFaults faults;
+        faults.fail(call, error, nth);
+        queue.addSample("b3", "/s/3");
+      }
+      {
+        SystemCallFaults faults;
+        faults.fail(call, error, nth);
+        EXPECT_EQ(queue.removeSample("b1"), 1);
+      }
+      EXPECT_EQ(fileBytes(), before) << call << " " << error;
+    }
+  }
+  EXPECT_EQ(openDescriptors(), descriptors);
+  EXPECT_THAT(platform().log, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, AReadThatFailsInTheMiddleRewritesNothing) {
+  const std::string before = encoded("b1", "/s/1") + encoded("b2", "/s/2");
+  fileHolds(before);
+  SystemCallFaults faults;
+  faults.transferAtMost(5);
+  faults.fail("read", EIO, 2);
+  queue.addSample("b3", "/s/3");
+  EXPECT_EQ(fileBytes(), before);
+}
+
+TEST_F(SampleQueueTest, OfAFileThatCannotBeReadTheNextItemIsEmptyAndTheDecodingLogged) {
+  fileHolds(encoded("b1", "/s/1"));
+  SystemCallFaults faults;
+  faults.fail("read", EIO);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed));
+}
+
+TEST_F(SampleQueueTest, AFileThatCannotBeOpenedForWritingStaysAndEachItemIsLogged) {
+  const std::string before = encoded("b1", "/s/1");
+  fileHolds(before);
+  SystemCallFaults faults;
+  faults.fail("open", EMFILE, 3);  // after the lock's and the reader's
+  queue.addSample("b2", "/s/2");
+  EXPECT_EQ(fileBytes(), before);
+  EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed, kCodingFailed));
+  EXPECT_THAT(platform().callsOf({"SerializeString"}),
+              ElementsAre("SerializeString b1", "SerializeString b2"));
+}
+
+TEST_F(SampleQueueTest, AFileThatCannotBeTruncatedStays) {
+  const std::string before = encoded("b1", "/s/1") + encoded("b2", "/s/2");
+  fileHolds(before);
+  SystemCallFaults faults;
+  faults.fail("ftruncate", EIO);
+  EXPECT_EQ(queue.removeSample("b1"), 1);
+  EXPECT_EQ(fileBytes(), before);
+}
+
+TEST_F(SampleQueueTest, TheContentIsCompleteBeforeTheFileIsTruncated) {
+  fileHolds(encoded("b1", "/s/1"));
+  SystemCallFaults faults;
+  queue.addSample("b2", "/s/2");
+  EXPECT_EQ(faults.count("ftruncate"), 1);
+  EXPECT_EQ(faults.count("write"), 1);
+  EXPECT_EQ(faults.count("read"), 1);
+}
+
+// --- Other things in place of the file -----------------------------------------------------------
+
+TEST_F(SampleQueueTest, AnEmptyDeviceInPlaceOfTheFileIsAnEmptyQueue) {
+  ASSERT_EQ(::symlink("/dev/null", kQueuePath), 0);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  queue.addSample("b", "/s");
+  EXPECT_EQ(queue.removeSample("b"), 1);
+  EXPECT_THAT(items(), IsEmpty());
+  EXPECT_THAT(platform().log, IsEmpty());
+}
+
+TEST_F(SampleQueueTest, ADeviceWithoutAnEndHoldsNobodyUp) {
+  ASSERT_EQ(::symlink("/dev/zero", kQueuePath), 0);
+  EXPECT_EQ(text(queue.getNextSample()), "@");
+  queue.addSample("b", "/s");
+  EXPECT_EQ(queue.removeSample("b"), 1);
+  EXPECT_THAT(items(), IsEmpty());
+  EXPECT_THAT(platform().callsOf({"SerializeString"}), IsEmpty());
 }
 
 // --- The entry point -----------------------------------------------------------------------------
