@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <set>
+#include <numeric>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 #include <orvane/utilities/CfgWrapper.h>
@@ -24,6 +26,10 @@ namespace {
 
 const char kStoreListPath[] = "/mnt/ext1/system/state/cache/store_list.cfg";
 const char kTokenPath[] = "/mnt/ext1/system/config/bookstore.cfg";
+
+// The count of a file may claim billions of records. Beyond this number only those are looked for
+// that the keys of the file name.
+constexpr unsigned int kMostWalkedRecords = 10000;
 
 const char* trueOrFalse(bool value) {
   return value ? "true" : "false";
@@ -93,44 +99,27 @@ GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int in
   return store;
 }
 
-// The numbers in the keys of web addresses, without which no record is kept. Keys that only look
-// like one of those name records that are not there.
-std::set<unsigned long long> addressIndices(const CfgWrapper& config) {
-  static const std::string kName = "url";
-  std::set<unsigned long long> indices;
+// The indices of the records to read. Beyond kMostWalkedRecords these are the ones with a web
+// address, without which no record is kept.
+std::vector<unsigned int> recordIndices(const CfgWrapper& config, unsigned int count) {
+  std::vector<unsigned int> indices;
+  if (count <= kMostWalkedRecords) {
+    indices.resize(count);
+    std::iota(indices.begin(), indices.end(), 0U);
+    return indices;
+  }
+  const std::string_view name = "url";
   for (const std::string& key : config.keys()) {
-    if (key.compare(0, kName.size(), kName) == 0 &&
-        key.find_first_not_of("0123456789", kName.size()) == std::string::npos) {
-      indices.insert(std::strtoull(key.c_str() + kName.size(), nullptr, 10));
+    if (key.compare(0, name.size(), name) == 0) {
+      const unsigned long long index = std::strtoull(key.c_str() + name.size(), nullptr, 10);
+      if (index < count && key == joined({name, decimal(static_cast<long long>(index))})) {
+        indices.push_back(static_cast<unsigned int>(index));
+      }
     }
   }
+  std::sort(indices.begin(), indices.end());  // the order of the keys is that of texts
   return indices;
 }
-
-// Walks the indices of the records that a file can hold. The count comes from the file and may
-// claim billions: once a record was dropped, only indices for which there is an address come up.
-class RecordIndices {
- public:
-  RecordIndices(const CfgWrapper& config, unsigned int count) : config_(config), count_(count) {}
-
-  bool atEnd() const { return index_ >= count_; }
-  unsigned int current() const { return static_cast<unsigned int>(index_); }
-  void afterKept() { ++index_; }
-
-  void afterDropped() {
-    if (!addresses_) {
-      addresses_ = addressIndices(config_);
-    }
-    const auto next = addresses_->upper_bound(index_);
-    index_ = next == addresses_->end() ? count_ : *next;
-  }
-
- private:
-  const CfgWrapper& config_;
-  const unsigned int count_;
-  unsigned long long index_ = 0;
-  boost::optional<std::set<unsigned long long>> addresses_;
-};
 
 }  // namespace
 
@@ -176,18 +165,14 @@ void GraphQLStorageApi::loadStoreList() {
   storesList_.clear();
   CfgWrapper config(kStoreListPath, CfgWrapper::Read);
   // A negative count acts as the unsigned number of the same bits, as it always has.
-  const int count = config.readIfExists<int>("count").value_or(0);
-  RecordIndices indices(config, static_cast<unsigned int>(count));
-  while (!indices.atEnd()) {
-    StoreInfo store = readStore(config, indices.current());
-    if (!store.isValid()) {
-      indices.afterDropped();
-      continue;
+  const auto count = static_cast<unsigned int>(config.readIfExists<int>("count").value_or(0));
+  for (const unsigned int index : recordIndices(config, count)) {
+    StoreInfo store = readStore(config, index);
+    if (store.isValid()) {
+      storesList_.push_back(std::move(store));
+      GRAPHQL_LOG(kLogInformation, "Loaded stores: url [%d] [%s]", static_cast<int>(index),
+                  storesList_.back().url.c_str());
     }
-    storesList_.push_back(std::move(store));
-    GRAPHQL_LOG(kLogInformation, "Loaded stores: url [%d] [%s]",
-                static_cast<int>(indices.current()), storesList_.back().url.c_str());
-    indices.afterKept();
   }
   config.closeNoSave();
   GRAPHQL_LOG(kLogInformation, "Loaded stores: count [%d]", static_cast<int>(storesList_.size()));
@@ -273,7 +258,7 @@ void GraphQLStorageApi::saveTokens() {
 }
 
 void GraphQLStorageApi::loadTokens() {
-  const CfgWrapper config(kTokenPath, CfgWrapper::Read);
+  CfgWrapper config(kTokenPath, CfgWrapper::Read);
   // The device's own token only opens the gate; nothing else is done with it.
   std::string deviceToken;
   const ValueReader values(config);
@@ -282,6 +267,7 @@ void GraphQLStorageApi::loadTokens() {
     visitSession(values, *this);
   }
   GRAPHQL_LOG(kLogInformation, "Load tokens: empty [%s]", trueOrFalse(isAnyTokenEmpty()));
+  config.closeNoSave();
 }
 
 bool GraphQLStorageApi::isAnyTokenEmpty() const {

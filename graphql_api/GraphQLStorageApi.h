@@ -100,8 +100,8 @@ class GraphQLStorageApi {
   void saveStoreList();
 
   // Replaces the store list by the content of /mnt/ext1/system/state/cache/store_list.cfg. Records
-  // without `url` or `apiUrl` are left out. Takes time for the keys that the file holds, whatever
-  // number of records it claims.
+  // without `url` or `apiUrl` are left out. Reads all keys of each record that the file claims; of
+  // more than 10,000 only the records for which there is a "url" key.
   void loadStoreList();
 
   // The position of the current store, which is the first record whose `url`, `apiUrl` and

@@ -87,7 +87,7 @@ TEST_F(GraphQLStorageApiTest, ConstructionLoadsTheStoreListAndThenTheTokens) {
               ElementsAre(std::string("CfgWrapper ") + kStoreListPath + " 0", "keys", "closeNoSave",
                           "log 5 Loaded stores: count [0]", "~CfgWrapper",
                           std::string("CfgWrapper ") + kTokenPath + " 0", "keys",
-                          "log 5 Load tokens: empty [true]", "~CfgWrapper"));
+                          "log 5 Load tokens: empty [true]", "closeNoSave", "~CfgWrapper"));
 }
 
 TEST_F(GraphQLStorageApiTest, ReloadReadsBothFilesAgain) {
@@ -227,6 +227,28 @@ TEST_F(GraphQLStorageApiTest, LoadingAListEnumeratesTheKeysOnceForTheCountAndTen
   const auto storage = makeStorage();
   storage->loadStoreList();
   EXPECT_EQ(platform().callsOf({"keys"}).size(), 81U);
+}
+
+TEST_F(GraphQLStorageApiTest, RecordsThatAreDroppedAreReadWhole) {
+  fileHoldsStore("3", makeStore("d"));
+  fileHoldsCount("4");
+  const auto storage = makeStorage();
+  storage->loadStoreList();
+  EXPECT_EQ(platform().callsOf({"keys"}).size(), 41U);
+  EXPECT_THAT(urls(storage->storesList()), ElementsAre("https://d.example/"));
+}
+
+TEST_F(GraphQLStorageApiTest, TenThousandRecordsAreWalkedAndOfMoreOnlyThoseWithAnAddress) {
+  fileHoldsStore("9999", makeStore("a"));
+  fileHoldsCount("10000");
+  const auto storage = makeStorage();
+  storage->loadStoreList();
+  EXPECT_EQ(platform().callsOf({"keys"}).size(), 100001U);
+  platform().calls.clear();
+  fileHoldsCount("10001");
+  storage->loadStoreList();
+  EXPECT_EQ(platform().callsOf({"keys"}).size(), 12U);
+  EXPECT_THAT(urls(storage->storesList()), ElementsAre("https://a.example/"));
 }
 
 TEST_F(GraphQLStorageApiTest, LoadingReplacesTheList) {
@@ -449,7 +471,8 @@ TEST_F(GraphQLStorageApiTest, LoadsTheSessionInTheOrderOfTheFile) {
       ElementsAre(std::string("CfgWrapper ") + kTokenPath + " 0", "ReadSecret fakeSac",
                   "ReadSecret fakeAccess", "ReadSecret fakeRefresh", "ReadSecret fakeExpiration",
                   "ReadString storeUrl", "ReadString storeApiUrl", "ReadString storeProvider",
-                  "ReadSecret storeCacheId", "log 5 Load tokens: empty [false]", "~CfgWrapper"));
+                  "ReadSecret storeCacheId", "log 5 Load tokens: empty [false]", "closeNoSave",
+                  "~CfgWrapper"));
 }
 
 TEST_F(GraphQLStorageApiTest, WithoutTheDevicesOwnTokenNothingIsLoaded) {
@@ -528,6 +551,16 @@ TEST_F(GraphQLStorageApiTest, AStoreWithoutAProviderIsTakenOverButNotSaved) {
   EXPECT_EQ(tokenFile().at("fakeAccess"), "access");
   EXPECT_THAT(platform().logTexts(kInformationLevel),
               Contains("Save tokens: empty [false] info [false]"));
+}
+
+TEST_F(GraphQLStorageApiTest, ASessionWithoutAStoreApiAddressIsNotSaved) {
+  tokenFileHolds(makeStore("a"));
+  tokenFile().erase("storeApiUrl");
+  const auto storage = makeStorage();
+  storage->setTokens("new", "new", "60", StoreInfo(), "");
+  EXPECT_THAT(platform().logTexts(kInformationLevel),
+              ElementsAre("Save tokens: empty [false] info [false]"));
+  EXPECT_EQ(tokenFile().at("fakeAccess"), "access");
 }
 
 TEST_F(GraphQLStorageApiTest, AnyEmptyTokenIsToldInTheLogAndStillSaved) {
