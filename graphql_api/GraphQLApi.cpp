@@ -1,14 +1,10 @@
 #include "graphql_api/GraphQLApi.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <locale>
-#include <memory>
-#include <sstream>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -18,6 +14,7 @@
 #include <orvane/utilities/Str.h>
 
 #include "graphql_api/GraphQLHeader.h"
+#include "graphql_api/JsonText.h"
 #include "graphql_api/Log.h"
 #include "graphql_api/Text.h"
 
@@ -31,67 +28,6 @@ namespace {
 
 constexpr long kStatusOk = 200;
 constexpr unsigned int kTransferLimit = 30;
-
-// Json::Reader reads real numbers by the global C++ locale and gives up on "9.99" where that writes
-// a comma before the fraction. In such a process the global locale counts in the classic way while
-// this object lives; everywhere else nothing is touched.
-class ClassicNumbers {
- public:
-  ClassicNumbers() {
-    if (std::use_facet<std::numpunct<char>>(previous_).decimal_point() == '.') {
-      return;
-    }
-    // A locale without a name leaves the C locale alone; the way back does not.
-    previousC_ = std::setlocale(LC_ALL, nullptr);
-    std::locale::global(std::locale(previous_, new std::numpunct<char>));
-  }
-
-  ~ClassicNumbers() {
-    if (!previousC_.empty()) {
-      std::locale::global(previous_);
-      std::setlocale(LC_ALL, previousC_.c_str());
-    }
-  }
-
-  ClassicNumbers(const ClassicNumbers&) = delete;
-  ClassicNumbers& operator=(const ClassicNumbers&) = delete;
-
- private:
-  const std::locale previous_;
-  std::string previousC_;
-};
-
-// FastWriter and Reader are deprecated upstream. They are used on purpose: the bytes that
-// FastWriter gives are what the service has always been sent, and Reader accepts what it has always
-// answered.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-
-std::string writeJson(const Json::Value& value) {
-  return Json::FastWriter().write(value);
-}
-
-// A body that cannot be parsed leaves the value null or partly filled: either has no data.
-void parseJson(const std::vector<char>& body, Json::Value* value) {
-  const ClassicNumbers classicNumbers;
-  const bool collectComments = true;
-  Json::Reader().parse(body.data(), body.data() + body.size(), *value, collectComments);
-}
-
-#pragma GCC diagnostic pop
-
-// What value.toStyledString() gives, which makes a writer each time: a tenth of a whole request.
-std::string styledText(const Json::Value& value) {
-  thread_local const std::unique_ptr<Json::StreamWriter> writer(
-      Json::StreamWriterBuilder().newStreamWriter());
-  std::ostringstream text;
-  if (value.hasComment(Json::commentBefore)) {
-    text << '\n';
-  }
-  writer->write(value, &text);
-  text << '\n';
-  return text.str();
-}
 
 // The member `name` of `value`; null when `value` is not an object or has no such member.
 const Json::Value* findMember(const Json::Value& value, const std::string& name) {
@@ -215,7 +151,7 @@ GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
   parseJson(answer.body, &answer.root);
   if (operation.responseFormat != nullptr) {
     ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature,
-                  operation.responseFormat, styledText(answer.root).c_str());
+                  operation.responseFormat, answer.root.toStyledString().c_str());
   }
   return answer;
 }

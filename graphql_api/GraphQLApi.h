@@ -32,9 +32,7 @@ namespace graphql {
 // Unless an operation says otherwise, each answer is logged at level 5 as JSON, and each failure at
 // level 2.
 //
-// The locales of the process change nothing. Where the global C++ locale writes a comma before the
-// fraction, it is replaced while an answer is parsed, and put back: threads that format numbers
-// with it at that moment see a point.
+// The locales of the process change nothing, and are not changed.
 class GraphQLApi {
  public:
   // How an operation without a record of its own for errors ended.
