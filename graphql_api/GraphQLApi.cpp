@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <unordered_map>
 #include <utility>
@@ -44,12 +45,45 @@ void read(const Json::Value& object, const char* name, std::string* text) {
   *text = object[name].asString();
 }
 
+void logResponse(const char* signature, const char* format, const Json::Value& root) {
+  ov_print_log2(kLogInformation, __FILE__, __LINE__, signature, format,
+                root.toStyledString().c_str());
+}
+
+// Runs the callback in `slot`, which may replace itself while it runs. It is moved out for that,
+// not copied, because what it remembers has to last until the next failure. `slot` refers to it in
+// the meantime: an operation that the callback performs can fail, too.
+class RunningCallback {
+ public:
+  explicit RunningCallback(GraphQLApi::ErrorCallback& slot) : slot_(slot) {
+    callback_.swap(slot_);
+    slot_ = std::ref(callback_);
+  }
+  // Moves it back unless it was replaced; also when it throws.
+  ~RunningCallback() {
+    const auto* current = slot_.target<std::reference_wrapper<GraphQLApi::ErrorCallback>>();
+    if (current != nullptr && &current->get() == &callback_) {
+      slot_.swap(callback_);
+    }
+  }
+
+  RunningCallback(const RunningCallback&) = delete;
+  RunningCallback& operator=(const RunningCallback&) = delete;
+
+  void operator()(int err, int code) { callback_(err, code); }
+
+ private:
+  GraphQLApi::ErrorCallback& slot_;
+  GraphQLApi::ErrorCallback callback_;
+};
+
 }  // namespace
 
 // What one operation says of itself; perform() does the rest.
 struct GraphQLApi::Operation {
-  Operation(const char* itsSignature, const GraphQLStorageApi::StoreInfo& itsStore)
-      : signature(itsSignature), store(itsStore), url(itsStore.apiUrl) {}
+  Operation(const char* itsSignature, const std::string& url,
+            const GraphQLStorageApi::StoreInfo& itsStore)
+      : request("POST", url), signature(itsSignature), store(itsStore) {}
 
   // What happens, and in which order, when the transfer failed or the status is not 200.
   enum class Failure {
@@ -59,9 +93,9 @@ struct GraphQLApi::Operation {
     Session,              // both alike: callback, the tokens if wanted, parse, log
   };
 
+  HttpRequest request;
   const char* const signature;                // the place that its log lines name
   const GraphQLStorageApi::StoreInfo& store;  // whom the headers address
-  std::string url;
   std::string query;
   Json::Value variables;  // null when the operation takes none
   GraphQLStorageApi::TokenType tokenType = GraphQLStorageApi::None;
@@ -70,7 +104,7 @@ struct GraphQLApi::Operation {
   Failure failure = Failure::Combined;
   bool clearsTokens = false;             // a failure empties those of the storage
   const char* failureFormat = nullptr;   // takes the runner's result and the status, both int
-  const char* responseFormat = nullptr;  // takes the answer's text; null logs no answer
+  const char* responseFormat = nullptr;  // takes the answer's text; null: not logged by the frame
 };
 
 // What came back.
@@ -141,7 +175,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::makeErrorInfo(Json::Value& response) {
 
 // --- The frame of every operation ---------------------------------------------------------------
 
-GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
+GraphQLApi::Answer GraphQLApi::perform(Operation& operation) {
   Answer answer;
   answer.err = transfer(operation, &answer);
   if (answer.failed()) {
@@ -150,14 +184,13 @@ GraphQLApi::Answer GraphQLApi::perform(const Operation& operation) {
   }
   parseJson(answer.body, &answer.root);
   if (operation.responseFormat != nullptr) {
-    ov_print_log2(kLogInformation, __FILE__, __LINE__, operation.signature,
-                  operation.responseFormat, answer.root.toStyledString().c_str());
+    logResponse(operation.signature, operation.responseFormat, answer.root);
   }
   return answer;
 }
 
-int GraphQLApi::transfer(const Operation& operation, Answer* answer) {
-  HttpRequest request("POST", operation.url);
+int GraphQLApi::transfer(Operation& operation, Answer* answer) {
+  HttpRequest& request = operation.request;
   Json::Value body;
   set(body, "query", operation.query);
   body["variables"] = operation.variables;
@@ -185,7 +218,8 @@ void GraphQLApi::reportFailure(const Operation& operation, Answer* answer) {
                   answer->err, answer->code());
   };
   const auto callBack = [&] {
-    if (const ErrorCallback callback = errorCb) {  // which may replace itself while it runs
+    if (errorCb) {
+      RunningCallback callback(errorCb);
       callback(answer->err, answer->code());
     }
   };
@@ -258,8 +292,7 @@ GraphQLStorageApi::StoreInfo readStore(const Json::Value& value) {
 
 GraphQLStorageApi::StoreInfoList GraphQLApi::getStores() {
   const GraphQLStorageApi::StoreInfo addressed = discoveryStore();
-  Operation operation(__PRETTY_FUNCTION__, addressed);
-  operation.url = getGraphQLUrl();
+  Operation operation(__PRETTY_FUNCTION__, getGraphQLUrl(), addressed);
   operation.query = kStoresQuery;
   operation.failure = Operation::Failure::Combined;
   operation.failureFormat = "getStores failed err = %d, code = %d";
@@ -345,7 +378,7 @@ void GraphQLApi::storeTokens(const GraphQLStorageApi::LoginInfo& login,
 GraphQLStorageApi::LoginInfo GraphQLApi::auth(const GraphQLStorageApi::StoreInfo& store,
                                               const std::string& email,
                                               const std::string& password) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kSignInQuery;
   set(operation.variables, "email", email);
   set(operation.variables, "password", password);
@@ -371,7 +404,7 @@ GraphQLStorageApi::LoginInfo GraphQLApi::auth(const GraphQLStorageApi::StoreInfo
 
 GraphQLStorageApi::LoginInfo GraphQLApi::refreshTokens(const GraphQLStorageApi::StoreInfo& store,
                                                        const std::string& refreshToken) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kRefreshQuery;
   set(operation.variables, "refreshToken", refreshToken);
   operation.tokenType = GraphQLStorageApi::Integration;
@@ -426,7 +459,7 @@ const char kUserInfoQuery[] = "query customer {\ncustomer {\nemail\nfirstname\nl
 
 GraphQLApi::ApiError GraphQLApi::isEmailAvailable(const GraphQLStorageApi::StoreInfo& store,
                                                   const std::string& email, bool* available) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kEmailAvailableQuery;
   set(operation.variables, "email", email);
   operation.failure = Operation::Failure::TransportOnly;
@@ -441,8 +474,7 @@ GraphQLApi::ApiError GraphQLApi::isEmailAvailable(const GraphQLStorageApi::Store
   if (result == nullptr) {
     return BadResponse;
   }
-  const Json::Value* flag = findMember(*result, "is_email_available");
-  *available = flag != nullptr && flag->asBool();
+  *available = (*result)["is_email_available"].asBool();
   return Ok;
 }
 
@@ -452,7 +484,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::
                                                        const std::string& firstname,
                                                        const std::string& lastname,
                                                        bool isSubscribed) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kCreateAccountQuery;
   Json::Value& input = operation.variables["input"];
   set(input, "email", email);
@@ -463,15 +495,20 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::
   operation.tokenType = GraphQLStorageApi::Integration;
   operation.failure = Operation::Failure::Combined;
   operation.failureFormat = "createAccount failed err = %d, code = %d";
-  operation.responseFormat = "Create account responce: [%s]";
 
   Answer answer = perform(operation);
-  return answer.failed() ? answer.errorInfo() : makeErrorInfo(answer.root);
+  if (answer.failed()) {
+    return answer.errorInfo();
+  }
+  // Unlike everywhere else before the log: a message that is not a text leaves no line there.
+  const GraphQLStorageApi::ErrorInfo info = makeErrorInfo(answer.root);
+  logResponse(operation.signature, "Create account responce: [%s]", answer.root);
+  return info;
 }
 
 GraphQLStorageApi::ErrorInfo GraphQLApi::resetPassword(const GraphQLStorageApi::StoreInfo& store,
                                                        const std::string& email) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kResetPasswordQuery;
   set(operation.variables, "email", email);
   operation.tokenType = GraphQLStorageApi::Integration;
@@ -489,7 +526,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::resetPassword(const GraphQLStorageApi::
 
 GraphQLApi::ApiError GraphQLApi::userInfo(const GraphQLStorageApi::StoreInfo& store,
                                           GraphQLStorageApi::UserInfo* info) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = kUserInfoQuery;
   operation.tokenType = GraphQLStorageApi::Customer;
   operation.failure = Operation::Failure::TransportThenStatus;
@@ -582,8 +619,8 @@ int clampedToInt(double value) {
 }  // namespace
 
 // What both sample operations read; `readMore` reads the rest of the product, if it is set.
-GraphQLApi::SampleMetadata GraphQLApi::fetchSample(const Operation& operation,
-                                                   const std::string& uid, ProductReader readMore) {
+GraphQLApi::SampleMetadata GraphQLApi::fetchSample(Operation& operation, const std::string& uid,
+                                                   ProductReader readMore) {
   const Answer answer = perform(operation);
   SampleMetadata metadata;
   metadata.error = answer.apiError();
@@ -606,7 +643,7 @@ GraphQLApi::SampleMetadata GraphQLApi::fetchSample(const Operation& operation,
 
 GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::StoreInfo& store,
                                                       const std::string& uid) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = sampleQuery(uid, kSampleMetadataTail);
   operation.tokenType = GraphQLStorageApi::Customer;
   operation.failure = Operation::Failure::TransportThenStatus;
@@ -618,7 +655,7 @@ GraphQLApi::SampleMetadata GraphQLApi::sampleMetadata(const GraphQLStorageApi::S
 
 GraphQLApi::SampleMetadata GraphQLApi::samplePriceRefresh(const GraphQLStorageApi::StoreInfo& store,
                                                           const std::string& uid) {
-  Operation operation(__PRETTY_FUNCTION__, store);
+  Operation operation(__PRETTY_FUNCTION__, store.apiUrl, store);
   operation.query = sampleQuery(uid, kSamplePriceTail);
   operation.tokenType = GraphQLStorageApi::Customer;
   operation.failure = Operation::Failure::TransportThenStatus;

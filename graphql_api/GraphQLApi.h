@@ -67,7 +67,9 @@ class GraphQLApi {
 
   // Replaces the error callback by `callback`; an empty function switches it off. The callback runs
   // on the thread of the failing operation, at most once per operation and before that returns. It
-  // only informs, and may replace itself.
+  // only informs. It is called in place, never as a copy: what it remembers lasts until the next
+  // failure. While it runs it may replace itself (it is then destroyed when it returns) and perform
+  // operations of this object, but not copy, move or destroy this object.
   void setErrorCb(ErrorCallback callback);
 
   // Asks the service's own endpoint for the regional stores, waiting at most 30 seconds. Returns
@@ -116,14 +118,16 @@ class GraphQLApi {
   // Asks `store` whether `email` may still be registered, waiting at most 30 seconds. Ok: the
   // answer is in `*available`, which must not be null and is otherwise left as it was.
   // NetworkError: logged and told to the callback. BadResponse: other status, or no such member in
-  // the answer; neither logged as a failure nor told. Throws Json::LogicError for an answer that is
-  // neither boolean, number nor null.
+  // the answer; neither logged as a failure nor told. Throws Json::LogicError when
+  // "isEmailAvailable" is neither an object nor null, or its member neither boolean, number nor
+  // null.
   ApiError isEmailAvailable(const GraphQLStorageApi::StoreInfo& store, const std::string& email,
                             bool* available);
 
   // Registers a customer at `store`, waiting at most 30 seconds; does not sign in. `error` 0: the
   // answer held no error message. 1: it did. -1: failed transfer or other status; logged and told
-  // to the callback.
+  // to the callback. Throws Json::LogicError for a message that is an object or an array, before
+  // the answer is logged.
   GraphQLStorageApi::ErrorInfo createAccount(const GraphQLStorageApi::StoreInfo& store,
                                              const std::string& email, const std::string& password,
                                              const std::string& firstname,
@@ -186,15 +190,14 @@ class GraphQLApi {
                                  const GraphQLStorageApi::StoreInfo& store,
                                  SampleMetadata* metadata);
 
-  Answer perform(const Operation& operation);
-  int transfer(const Operation& operation, Answer* answer);
+  Answer perform(Operation& operation);
+  int transfer(Operation& operation, Answer* answer);
   void reportFailure(const Operation& operation, Answer* answer);
   GraphQLStorageApi::LoginInfo readLogin(Answer* answer, const std::string& resultName,
                                          const std::string& tokenName);
   void storeTokens(const GraphQLStorageApi::LoginInfo& login,
                    const GraphQLStorageApi::StoreInfo& store, const std::string& cacheId);
-  SampleMetadata fetchSample(const Operation& operation, const std::string& uid,
-                             ProductReader readMore);
+  SampleMetadata fetchSample(Operation& operation, const std::string& uid, ProductReader readMore);
 
   std::shared_ptr<GraphQLStorageApi> storage;
   std::function<void(int, int)> errorCb;

@@ -27,7 +27,9 @@ HttpRequest::HttpRequest(const std::string& method, const std::string& url) : da
   data->request.url = url;
 }
 
-HttpRequest::~HttpRequest() = default;
+HttpRequest::~HttpRequest() {
+  platform().record("~HttpRequest");
+}
 
 void HttpRequest::AddPostData(const std::string& body) {
   platform().record("AddPostData", body);

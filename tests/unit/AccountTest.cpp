@@ -5,8 +5,8 @@
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 using AccountTest = OperationTest;
 
@@ -51,11 +51,20 @@ TEST_F(AccountTest, TellsWhetherAnEMailIsAvailable) {
 }
 
 TEST_F(AccountTest, AMissingFlagReadsAsNotAvailable) {
-  for (const char* result : {"{}", "null", R"({"is_email_available":null})", "5", "[]"}) {
+  for (const char* result : {"{}", "null", R"({"is_email_available":null})"}) {
     platform().http.answer(200, std::string(R"({"data":{"isEmailAvailable":)") + result + "}}");
     bool available = true;
     EXPECT_EQ(api.isEmailAvailable(store, "a", &available), GraphQLApi::Ok) << result;
     EXPECT_FALSE(available) << result;
+  }
+}
+
+TEST_F(AccountTest, AnAvailabilityThatIsNeitherAnObjectNorNullThrowsAndLeavesTheOutput) {
+  for (const char* result : {"5", "1.5", "true", "\"text\"", "[]"}) {
+    platform().http.answer(200, std::string(R"({"data":{"isEmailAvailable":)") + result + "}}");
+    bool available = true;
+    EXPECT_THROW(api.isEmailAvailable(store, "a", &available), Json::LogicError) << result;
+    EXPECT_TRUE(available) << result;
   }
 }
 
@@ -124,6 +133,12 @@ TEST_F(AccountTest, ARegistrationWithoutErrorsSucceeds) {
 TEST_F(AccountTest, AMessageMakesARegistrationFailEvenWithACustomer) {
   platform().http.answer(200, R"({"errors":[{"message":"No."}],"data":{"createCustomerV2":{}}})");
   expectError(api.createAccount(store, "a", "p", "f", "l", false), 1, 0, "No.");
+}
+
+TEST_F(AccountTest, AMessageOfARegistrationThatIsNotATextThrowsBeforeTheAnswerIsLogged) {
+  platform().http.answer(200, R"({"errors":[{"message":{}}]})");
+  EXPECT_THROW(api.createAccount(store, "a", "p", "f", "l", false), Json::LogicError);
+  EXPECT_THAT(platform().log, IsEmpty());
 }
 
 TEST_F(AccountTest, ARegistrationWithoutDataIsTakenFromTheErrorsAlone) {
@@ -295,7 +310,7 @@ TEST_F(AccountTest, WithoutACallbackFailuresGiveTheSameResults) {
 TEST_F(AccountTest, LogLinesNameTheOperation) {
   GraphQLStorageApi::UserInfo info;
   api.userInfo(store, &info);
-  EXPECT_THAT(platform().log.at(0).function, StartsWith("graphql::GraphQLApi::ApiError "
-                                                        "graphql::GraphQLApi::userInfo("));
+  EXPECT_THAT(platform().log.at(0).function,
+              HasSubstr("GraphQLApi::ApiError graphql::GraphQLApi::userInfo("));
   EXPECT_EQ(platform().log.at(0).format, "UserInfo failed err = %d, code = %d");
 }

@@ -2,6 +2,12 @@
 
 #include "graphql_api/GraphQLApi.h"
 
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
 #include <json/json.h>
 
 #include "tests/unit/PlatformTest.h"
@@ -122,9 +128,109 @@ TEST_F(GraphQLApiTest, ACallbackMayReplaceItself) {
   EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(GraphQLApiTest, AnExceptionOfTheCallbackReachesTheCaller) {
-  api.setErrorCb([](int, int) { throw std::domain_error("callback"); });
+TEST_F(GraphQLApiTest, ACallbackThatReplacesItselfIsGoneAndTheNewOneIsCalled) {
+  std::vector<std::string> called;
+  const auto held = std::make_shared<int>(0);
+  api.setErrorCb([&, held](int, int) {
+    api.setErrorCb([&called](int, int) { called.push_back("second"); });
+    called.push_back("first");
+  });
+  api.getStores();
+  EXPECT_EQ(held.use_count(), 1);
+  api.getStores();
+  EXPECT_THAT(called, ElementsAre("first", "second"));
+}
+
+TEST_F(GraphQLApiTest, ACallbackThatSwitchesItselfOffIsNotCalledAgain) {
+  int calls = 0;
+  api.setErrorCb([&](int, int) {
+    ++calls;
+    api.setErrorCb({});
+  });
+  api.getStores();
+  api.getStores();
+  EXPECT_EQ(calls, 1);
+}
+
+TEST_F(GraphQLApiTest, ACallbackKeepsItsStateFromFailureToFailure) {
+  std::vector<int> seen;
+  api.setErrorCb([&seen, calls = 0](int, int) mutable { seen.push_back(++calls); });
+  api.getStores();
+  api.getStores();
+  EXPECT_THAT(seen, ElementsAre(1, 2));
+}
+
+TEST_F(GraphQLApiTest, AFailureDoesNotCopyTheCallback) {
+  struct Counting {
+    explicit Counting(int& counter) : copies(&counter) {}
+    Counting(const Counting& other) : copies(other.copies) { ++*copies; }
+    Counting& operator=(const Counting&) = delete;
+    void operator()(int, int) const {}
+    int* copies;
+  };
+  int copies = 0;
+  api.setErrorCb(Counting(copies));
+  const int before = copies;
+  api.getStores();
+  api.getStores();
+  EXPECT_EQ(copies, before);
+}
+
+TEST_F(GraphQLApiTest, ACallbackIsToldOfTheFailureOfAnOperationThatItPerforms) {
+  std::vector<int> seen;
+  api.setErrorCb([this, &seen, depth = 0](int err, int) mutable {
+    seen.push_back(err);
+    if (++depth < 3) {
+      api.getStores();
+    }
+  });
+  platform().http.failTransfer(28);
+  platform().http.failTransfer(6);
+  platform().http.failTransfer(35);
+  platform().http.failTransfer(52);
+  api.getStores();
+  EXPECT_THAT(seen, ElementsAre(28, 6, 35));
+  api.getStores();
+  EXPECT_THAT(seen, ElementsAre(28, 6, 35, 52));
+}
+
+TEST_F(GraphQLApiTest, AnExceptionOfTheCallbackReachesTheCallerAndTheCallbackStays) {
+  int calls = 0;
+  api.setErrorCb([&calls](int, int) {
+    ++calls;
+    throw std::domain_error("callback");
+  });
   EXPECT_THROW(api.getStores(), std::domain_error);
+  EXPECT_THROW(api.getStores(), std::domain_error);
+  EXPECT_EQ(calls, 2);
+}
+
+// --- The request ---------------------------------------------------------------------------------
+
+TEST_F(GraphQLApiTest, TheRequestOfEachOperationLivesUntilItReturns) {
+  const auto storage = makeStorage();
+  GraphQLApi operations(storage);
+  const StoreInfo store = makeStore("a");
+  bool available = false;
+  GraphQLStorageApi::UserInfo user;
+  const std::function<void()> all[] = {
+      [&] { operations.getStores(); },
+      [&] { operations.auth(store, "e", "p"); },
+      [&] { operations.refreshTokens(store, "r"); },
+      [&] { operations.isEmailAvailable(store, "e", &available); },
+      [&] { operations.createAccount(store, "e", "p", "f", "l", true); },
+      [&] { operations.resetPassword(store, "e"); },
+      [&] { operations.userInfo(store, &user); },
+      [&] { operations.sampleMetadata(store, "u"); },
+      [&] { operations.samplePriceRefresh(store, "u"); },
+  };
+  for (const auto& operation : all) {
+    platform().http.answer(200, "{}");
+    platform().calls.clear();
+    operation();
+    EXPECT_EQ(platform().calls.front(), "HttpRequest POST " + platform().http.requests.back().url);
+    EXPECT_EQ(platform().calls.back(), "~HttpRequest");
+  }
 }
 
 // --- Errors in an answer -------------------------------------------------------------------------

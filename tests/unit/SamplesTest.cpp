@@ -74,6 +74,13 @@ TEST_F(SamplesTest, PricesAreAskedForWithTheCustomersToken) {
       "Bearer access");
 }
 
+TEST_F(SamplesTest, NeitherRequestCarriesTheRefreshToken) {
+  api.sampleMetadata(store, "MTIz");
+  EXPECT_EQ(request().header("RefreshToken"), "");
+  api.samplePriceRefresh(store, "MTIz");
+  EXPECT_EQ(request().header("RefreshToken"), "");
+}
+
 TEST_F(SamplesTest, TheUidGoesIntoTheQueryAsItIs) {
   api.sampleMetadata(store, " a\"b\\c ");
   EXPECT_EQ(requestBody()["query"].asString().substr(0, 34),
