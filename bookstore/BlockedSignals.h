@@ -6,7 +6,7 @@
 #include <csignal>
 #include <vector>
 
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 

@@ -5,7 +5,7 @@
 #include "bookstore/Failure.h"
 #include "bookstore/Session.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 namespace bookstore {
 

@@ -1,7 +1,7 @@
 #include "bookstore/CustomerText.h"
 
 #include "bookstore/Failure.h"
-#include "host/VisibleText.h"
+#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 

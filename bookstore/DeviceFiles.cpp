@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "bookstore/Failure.h"
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 namespace bookstore {
 

@@ -11,7 +11,7 @@
 
 #include "bookstore/BlockedSignals.h"
 #include "bookstore/Failure.h"
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 

@@ -6,8 +6,8 @@
 #include "bookstore/BrowserSession.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
-#include "host/HttpSettings.h"
-#include "host/Settings.h"
+#include "platform/host/HttpSettings.h"
+#include "platform/host/Settings.h"
 
 namespace bookstore {
 

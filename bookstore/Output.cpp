@@ -4,8 +4,8 @@
 
 #include <json/json.h>
 
-#include "host/MaskSecrets.h"
-#include "host/VisibleText.h"
+#include "platform/host/MaskSecrets.h"
+#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 

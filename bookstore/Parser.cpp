@@ -5,7 +5,7 @@
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Table.h"
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 namespace bookstore {
 

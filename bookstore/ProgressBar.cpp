@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "bookstore/Table.h"
-#include "host/VisibleText.h"
+#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 

@@ -12,9 +12,9 @@
 #include "bookstore/Failure.h"
 #include "bookstore/Output.h"
 #include "bookstore/Parser.h"
-#include "host/DryRun.h"
-#include "host/Log.h"
-#include "host/Settings.h"
+#include "platform/host/DryRun.h"
+#include "platform/host/Log.h"
+#include "platform/host/Settings.h"
 
 namespace bookstore {
 

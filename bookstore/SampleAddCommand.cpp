@@ -11,7 +11,7 @@
 #include "bookstore/SampleQueue.h"
 #include "bookstore/SampleText.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 #include "sample_app/SamplePath.h"
 
 namespace bookstore {

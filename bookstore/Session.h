@@ -9,7 +9,7 @@
 #include "bookstore/Command.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Request.h"
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 

@@ -11,7 +11,7 @@
 #include "bookstore/StoreChoice.h"
 #include "bookstore/Table.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 using graphql::GraphQLStorageApi;
 using orvane::utilities::BookStoreVersionProxy;

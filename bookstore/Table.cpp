@@ -4,7 +4,7 @@
 #include <clocale>
 #include <cwchar>
 
-#include "host/VisibleText.h"
+#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 

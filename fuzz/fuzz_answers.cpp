@@ -12,7 +12,7 @@
 #include "fuzz/Require.h"
 #include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLStorageApi.h"
-#include "tests/platform/FakePlatform.h"
+#include "platform/fake/FakePlatform.h"
 
 namespace {
 

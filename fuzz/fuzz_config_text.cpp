@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fuzz/Require.h"
-#include "host/ConfigText.h"
+#include "platform/host/ConfigText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const host::ConfigEntries entries = host::parseConfig(std::string(data, data + size)).entries;

@@ -8,7 +8,7 @@
 #include "fuzz/Require.h"
 #include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLStorageApi.h"
-#include "tests/platform/FakePlatform.h"
+#include "platform/fake/FakePlatform.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static graphql::GraphQLApi api(std::make_shared<graphql::GraphQLStorageApi>());

@@ -11,9 +11,9 @@
 
 #include <json/json.h>
 
-#include "host/Log.h"
-#include "host/Settings.h"
-#include "host/WholeFile.h"
+#include "platform/host/Log.h"
+#include "platform/host/Settings.h"
+#include "platform/host/WholeFile.h"
 
 namespace sample_app {
 

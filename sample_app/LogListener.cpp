@@ -1,7 +1,7 @@
 #include "sample_app/LogListener.h"
 
-#include "host/Log.h"
-#include "host/VisibleText.h"
+#include "platform/host/Log.h"
+#include "platform/host/VisibleText.h"
 
 using graphql::GraphQLApi;
 

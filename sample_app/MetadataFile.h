@@ -6,7 +6,7 @@
 #include <string>
 
 #include "graphql_api/GraphQLApi.h"
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 #include "sample_app/LockedQueue.h"
 #include "sample_app/Thumbnail.h"
 

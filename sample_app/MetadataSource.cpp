@@ -5,9 +5,9 @@
 
 #include <json/json.h>
 
-#include "host/Settings.h"
-#include "host/VisibleText.h"
-#include "host/WholeFile.h"
+#include "platform/host/Settings.h"
+#include "platform/host/VisibleText.h"
+#include "platform/host/WholeFile.h"
 
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 namespace sample_app {
 

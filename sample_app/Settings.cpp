@@ -1,6 +1,6 @@
 #include "sample_app/Settings.h"
 
-#include "host/Settings.h"
+#include "platform/host/Settings.h"
 
 namespace sample_app {
 

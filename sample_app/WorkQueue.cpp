@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <sstream>
 
-#include "host/Log.h"
-#include "host/Settings.h"
-#include "host/WholeFile.h"
+#include "platform/host/Log.h"
+#include "platform/host/Settings.h"
+#include "platform/host/WholeFile.h"
 
 using graphql::GraphQLSampleQueue;
 

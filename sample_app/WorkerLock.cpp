@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "host/Log.h"
+#include "platform/host/Log.h"
 
 namespace sample_app {
 

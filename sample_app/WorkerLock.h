@@ -3,7 +3,7 @@
 #ifndef SAMPLE_APP_WORKERLOCK_H_
 #define SAMPLE_APP_WORKERLOCK_H_
 
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 
 namespace sample_app {
 

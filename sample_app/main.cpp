@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "graphql_api/GraphQLStorageApi.h"
-#include "host/Log.h"
+#include "platform/host/Log.h"
 #include "sample_app/LogListener.h"
 #include "sample_app/Settings.h"
 #include "sample_app/SignalWaiter.h"

@@ -14,9 +14,9 @@
 #include "bookstore/ExitCode.h"
 #include "bookstore/Run.h"
 #include "graphql_api/GraphQLStorageApi.h"
-#include "host/DryRun.h"
-#include "tests/host/TemporaryRoot.h"
-#include "tests/platform/FakePlatform.h"
+#include "platform/fake/FakePlatform.h"
+#include "platform/host/DryRun.h"
+#include "tests/platform/host/TemporaryRoot.h"
 
 namespace bookstore_tests {
 

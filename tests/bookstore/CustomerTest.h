@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 #include "tests/bookstore/BookstoreTest.h"
 
 namespace bookstore_tests {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/HttpTransfer.h"
+#include "platform/host/HttpTransfer.h"
 
 using bookstore::Failure;
 using bookstore::throwIfFailed;

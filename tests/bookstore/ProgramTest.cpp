@@ -14,7 +14,7 @@
 
 #include "bookstore/Command.h"
 #include "bookstore/ExitCode.h"
-#include "tests/host/TemporaryRoot.h"
+#include "tests/platform/host/TemporaryRoot.h"
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/host/TemporaryRoot.h"
+#include "tests/platform/host/TemporaryRoot.h"
 
 using bookstore::Spinner;
 using ::testing::EndsWith;

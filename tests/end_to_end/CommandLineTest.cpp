@@ -13,7 +13,7 @@
 #include <future>
 #include <thread>
 
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 #include "tests/end_to_end/EndToEndTest.h"
 
 using graphql::GraphQLStorageApi;

@@ -15,7 +15,7 @@
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "sample_app/WorkQueue.h"
 #include "tests/end_to_end/StoreService.h"
-#include "tests/host/TemporaryRoot.h"
+#include "tests/platform/host/TemporaryRoot.h"
 
 using sample_app::WorkQueue;
 using ::testing::AnyOf;

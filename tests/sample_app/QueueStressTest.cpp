@@ -20,7 +20,7 @@
 #include <gmock/gmock.h>
 
 #include "graphql_api/GraphQLSampleQueue.h"
-#include "host/WholeFile.h"
+#include "platform/host/WholeFile.h"
 
 using graphql::GraphQLSampleQueue;
 using ::testing::SizeIs;

@@ -17,7 +17,7 @@
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "sample_app/FailureList.h"
 #include "sample_app/WorkQueue.h"
-#include "tests/host/TemporaryRoot.h"
+#include "tests/platform/host/TemporaryRoot.h"
 #include "tests/unit/PlatformTest.h"
 
 const char kQueuePath[] = "/tmp/sample.queue";

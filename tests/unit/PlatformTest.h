@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "graphql_api/GraphQLStorageApi.h"
-#include "tests/platform/FakePlatform.h"
+#include "platform/fake/FakePlatform.h"
 
 constexpr int kFailureLevel = 2;
 constexpr int kInformationLevel = 5;

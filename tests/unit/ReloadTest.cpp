@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/platform/FakePlatform.h"
+#include "platform/fake/FakePlatform.h"
 
 namespace {
 

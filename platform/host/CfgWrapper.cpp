@@ -1,0 +1,42 @@
+#include <orvane/utilities/CfgWrapper.h>
+
+#include "platform/host/ConfigFile.h"
+#include "platform/host/Log.h"
+#include "platform/host/RegistrationProof.h"
+
+namespace orvane {
+namespace utilities {
+
+CfgWrapper::CfgWrapper(const std::string& path, OpenMode mode)
+    : handle(new ov_config(path, mode == Write ? host::ConfigFile::Access::Write
+                                               : host::ConfigFile::Access::Read)) {}
+
+CfgWrapper::~CfgWrapper() {
+  closeNoSave();
+}
+
+std::set<std::string> CfgWrapper::keys() const {
+  return handle == nullptr ? std::set<std::string>() : handle->file.keys();
+}
+
+void CfgWrapper::save() {
+  if (handle == nullptr) {
+    HOST_LOG_FAILURE("Nothing is saved: the configuration is closed already");
+    return;
+  }
+  host::provideRegistrationProof(handle);
+  handle->file.save();
+}
+
+void CfgWrapper::saveAndClose() {
+  save();
+  closeNoSave();
+}
+
+void CfgWrapper::closeNoSave() {
+  delete handle;
+  handle = nullptr;
+}
+
+}  // namespace utilities
+}  // namespace orvane

@@ -1,0 +1,28 @@
+// What the settings say about HTTP, for the runner and for the curl command of a request alike.
+// Safe to call from any thread that does not run alongside setenv().
+
+#ifndef PLATFORM_HOST_HTTPSETTINGS_H_
+#define PLATFORM_HOST_HTTPSETTINGS_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct HttpSettings {
+  std::string caFile;                  // empty: the system's authorities
+  std::string pinnedKey;               // empty: any key with a valid certificate
+  std::vector<std::string> connectTo;  // entries HOST:PORT:TO-HOST:TO-PORT, tried in this order
+  bool http2;                          // false: HTTP/1.1
+  std::uint64_t maxAnswerBytes;        // after decompression
+  long connectTimeoutSeconds;
+  long stallTimeoutSeconds;
+};
+
+// The settings as they are now.
+HttpSettings readHttpSettings();
+
+}  // namespace host
+
+#endif  // PLATFORM_HOST_HTTPSETTINGS_H_

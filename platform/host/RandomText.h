@@ -1,0 +1,16 @@
+// Texts that nobody can guess. Holds no state; safe from any thread.
+
+#ifndef PLATFORM_HOST_RANDOMTEXT_H_
+#define PLATFORM_HOST_RANDOMTEXT_H_
+
+#include <cstddef>
+#include <string>
+
+namespace host {
+
+// `length` upper-case letters and digits from the system's source of random bytes.
+std::string randomText(std::size_t length);
+
+}  // namespace host
+
+#endif  // PLATFORM_HOST_RANDOMTEXT_H_

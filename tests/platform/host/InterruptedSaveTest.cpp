@@ -1,0 +1,281 @@
+// Whatever stops a save, and wherever: the file is whole, the old one or the new one.
+
+#include <fcntl.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <orvane/utilities/CfgWrapper.h>
+
+#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/NewProcess.h"
+
+using host_tests::ScopedSetting;
+using host_tests::TemporaryRoot;
+using orvane::utilities::CfgWrapper;
+using support::passesInNewProcess;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+const char kFolder[] = "/mnt/ext1";
+const char kPath[] = "/mnt/ext1/a.cfg";
+const int kSavesEach = 1000;
+
+// One system call of a save: its name, and which call of that name in the process it is.
+struct SystemCall {
+  std::string name;
+  int number;
+};
+
+}  // namespace
+
+class InterruptedSaveTest : public testing::Test {
+ protected:
+  static std::vector<std::string> saver(const std::string& prefix, int from, int count,
+                                        int bytes = 10) {
+    return {CONFIG_SAVER,         kPath, prefix, std::to_string(from), std::to_string(count),
+            std::to_string(bytes)};
+  }
+
+  static pid_t spawn(const std::vector<std::string>& command) {
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) {
+      arguments.push_back(const_cast<char*>(argument.c_str()));
+    }
+    arguments.push_back(nullptr);
+    const pid_t process = ::fork();
+    if (process == 0) {
+      ::execv(arguments[0], arguments.data());
+      ::_exit(127);
+    }
+    return process;
+  }
+
+  static int finish(pid_t process) {
+    int status = -1;
+    ::waitpid(process, &status, 0);
+    return status;
+  }
+
+  static int run(const std::vector<std::string>& command) { return finish(spawn(command)); }
+
+  // The number that the last save of `prefix` wrote; -1 for none. All keys must show the same one.
+  static int lastSaved(const std::string& prefix) {
+    const CfgWrapper config(kPath, CfgWrapper::Read);
+    const std::string first = config.read<std::string>(prefix + "0", "-1.");
+    for (int key = 1; key < 4; ++key) {
+      EXPECT_EQ(config.read<std::string>(prefix + std::to_string(key), "-1."), first);
+    }
+    return std::atoi(first.c_str());
+  }
+
+  static std::vector<std::string> underTracer(const std::vector<std::string>& options,
+                                              const std::vector<std::string>& command) {
+    std::vector<std::string> all = {STRACE, "-f", "-qq"};
+    all.insert(all.end(), options.begin(), options.end());
+    all.insert(all.end(), command.begin(), command.end());
+    return all;
+  }
+
+  // The system calls that a save makes which changes the values of number 1.
+  std::vector<SystemCall> callsOfASave() const {
+    const std::string trace = root_.path() + "-trace";
+    EXPECT_EQ(run(underTracer({"-o", trace}, saver("a", 2, 1))), 0);
+    std::ifstream lines(trace);
+    const std::regex call("^[0-9]+ +([a-z0-9_]+)\\(");
+    std::map<std::string, int> counts;
+    std::vector<SystemCall> calls;
+    bool isInSave = false;
+    for (std::string line; std::getline(lines, line);) {
+      std::smatch match;
+      if (!std::regex_search(line, match, call)) {
+        continue;
+      }
+      const SystemCall found = {match[1], ++counts[match[1]]};
+      if (found.name == "getppid") {
+        isInSave = !isInSave;
+      } else if (isInSave) {
+        calls.push_back(found);
+      }
+    }
+    std::filesystem::remove(trace);
+    return calls;
+  }
+
+  static std::vector<std::string> tampering(const SystemCall& call, const std::string& with) {
+    return {"-o", "/dev/null", "-e",
+            "inject=" + call.name + ":" + with + ":when=" + std::to_string(call.number)};
+  }
+
+  TemporaryRoot root_;
+  // The leak checker of a sanitized build cannot work beside a tracer.
+  ScopedSetting noLeakCheck_{"ASAN_OPTIONS", "detect_leaks=0"};
+};
+
+TEST_F(InterruptedSaveTest, TwoProcessesLoseNoKeyOfEachOtherAndReadersSeeWholeFiles) {
+  const pid_t one = spawn(saver("one", 1, kSavesEach));
+  const pid_t two = spawn(saver("two", 1, kSavesEach));
+  std::atomic<bool> isSaving(true);
+  int reads = 0;
+  std::thread reader([&] {
+    int lastOne = -1;
+    int lastTwo = -1;
+    while (isSaving) {
+      const int nowOne = lastSaved("one");
+      const int nowTwo = lastSaved("two");
+      EXPECT_GE(nowOne, lastOne);
+      EXPECT_GE(nowTwo, lastTwo);
+      lastOne = nowOne;
+      lastTwo = nowTwo;
+      ++reads;
+    }
+  });
+  EXPECT_EQ(finish(one), 0);
+  EXPECT_EQ(finish(two), 0);
+  isSaving = false;
+  reader.join();
+  EXPECT_EQ(lastSaved("one"), kSavesEach);
+  EXPECT_EQ(lastSaved("two"), kSavesEach);
+  EXPECT_GT(reads, 0);
+  EXPECT_EQ(root_.log(), "");
+}
+
+TEST_F(InterruptedSaveTest, AProcessKilledAtAnyTimeLeavesAWholeFile) {
+  ASSERT_EQ(run(saver("a", 1, 1)), 0);
+  std::mt19937 random(1);
+  int last = 1;
+  for (int round = 0; round < 200; ++round) {
+    const pid_t process = spawn(saver("a", last + 1, 1000000, 20000));
+    for (int i = 0; i < 10000 && lastSaved("a") == last; ++i) {
+      ::usleep(1000);  // until it is saving
+    }
+    ::usleep(std::uniform_int_distribution<useconds_t>(0, 5000)(random));
+    ::kill(process, SIGKILL);
+    finish(process);
+    const int now = lastSaved("a");
+    ASSERT_GT(now, last) << "round " << round;
+    last = now;
+  }
+  EXPECT_EQ(root_.log(), "");
+  ASSERT_EQ(run(saver("a", last + 1, 1)), 0);
+  EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg"));
+}
+
+TEST_F(InterruptedSaveTest, AProcessKilledAtAnySystemCallLeavesAWholeFile) {
+  ASSERT_EQ(run(saver("a", 1, 1)), 0);
+  const std::vector<SystemCall> calls = callsOfASave();
+  ASSERT_GT(calls.size(), 10u);
+  std::set<int> seen;
+  std::size_t killed = 0;
+  for (const SystemCall& call : calls) {
+    ASSERT_EQ(run(saver("a", 1, 1)), 0);
+    const int status = run(underTracer(tampering(call, "signal=KILL"), saver("a", 2, 1)));
+    const bool wasKilled = WIFSIGNALED(status) || WEXITSTATUS(status) == 128 + SIGKILL;
+    killed += wasKilled ? 1 : 0;
+    const int now = lastSaved("a");
+    EXPECT_TRUE(now == 2 || (now == 1 && wasKilled)) << call.name << ' ' << call.number;
+    seen.insert(now);
+  }
+  EXPECT_THAT(seen, ElementsAre(1, 2));
+  EXPECT_EQ(killed, calls.size());
+  EXPECT_EQ(root_.log(), "");
+  ASSERT_EQ(run(saver("a", 3, 1)), 0);
+  EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg"));
+}
+
+TEST_F(InterruptedSaveTest, AFailureOfAnySystemCallLeavesAWholeFileAndALogLine) {
+  ASSERT_EQ(run(saver("a", 1, 1)), 0);
+  const std::set<std::string> files = {"openat",     "mkdir",  "flock", "fstat",
+                                       "newfstatat", "read",   "write", "fsync",
+                                       "close",      "rename", "link",  "unlink"};
+  std::set<std::string> failing;
+  for (const SystemCall& call : callsOfASave()) {
+    if (files.count(call.name) == 0) {
+      continue;
+    }
+    for (const std::string error : {"ENOSPC", "EIO", "EDQUOT"}) {
+      ASSERT_EQ(run(saver("a", 1, 1)), 0);
+      root_.clearLog();
+      EXPECT_EQ(run(underTracer(tampering(call, "error=" + error), saver("a", 2, 1))), 0);
+      const std::string log = root_.log();
+      const int now = lastSaved("a");
+      EXPECT_TRUE(now == 1 || now == 2) << call.name << ' ' << call.number;
+      EXPECT_EQ(now == 1, log.find("which stays as it is") != std::string::npos)
+          << call.name << ' ' << call.number << ' ' << error << ' ' << log;
+      EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg")) << call.name;
+      if (now == 1) {
+        failing.insert(call.name);
+      }
+    }
+  }
+  for (const std::string name : {"openat", "flock", "read", "write", "fsync", "close", "rename"}) {
+    EXPECT_EQ(failing.count(name), 1u) << name;
+  }
+}
+
+TEST_F(InterruptedSaveTest, SaysSoWhenASavedFileMayNotBeOnTheDiskYet) {
+  ASSERT_EQ(run(saver("a", 1, 1)), 0);
+  // The file's own is the first, the folder's the second.
+  ASSERT_EQ(run(underTracer(tampering({"fsync", 2}, "error=EIO"), saver("a", 2, 1))), 0);
+  EXPECT_EQ(lastSaved("a"), 2);
+  EXPECT_THAT(root_.log(), HasSubstr("a power cut could undo it: fsync folder"));
+}
+
+TEST_F(InterruptedSaveTest, AFullDiskLeavesTheOldFile) {
+  EXPECT_TRUE(passesInNewProcess([this] {
+    std::filesystem::create_directories(root_.at(kFolder));
+    // A small disk of our own where the system lets us have one; else a small limit to files.
+    const bool hasNamespace =
+        ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
+    const bool hasDisk = hasNamespace &&
+                         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                         ::mount("tmpfs", root_.at(kFolder).c_str(), "tmpfs", 0, "size=64k") == 0;
+    if (!hasDisk) {
+      const rlimit limit = {16384, 16384};
+      ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ASSERT_EQ(run(saver("a", 1, 1, 3000)), 0);
+    const std::string before = root_.contentOf(kPath);
+    ASSERT_EQ(run(saver("a", 2, 1, 30000)), 0);
+    EXPECT_EQ(root_.contentOf(kPath), before);
+    EXPECT_EQ(lastSaved("a"), 1);
+    EXPECT_THAT(root_.log(), HasSubstr("Cannot save " + root_.at(kPath)));
+    EXPECT_THAT(root_.log(), HasSubstr(hasDisk ? "free some space" : "write: File too large"));
+    EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg"));
+    ASSERT_EQ(run(saver("a", 3, 1, 3000)), 0);
+    EXPECT_EQ(lastSaved("a"), 3);
+  }));
+}
+
+TEST_F(InterruptedSaveTest, AFileThatMayNotGrowStaysTheOldOne) {
+  EXPECT_TRUE(passesInNewProcess([this] {
+    ASSERT_EQ(run(saver("a", 1, 1)), 0);
+    const rlimit limit = {4096, 4096};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    ASSERT_EQ(run(saver("a", 2, 1, 30000)), 0);
+    EXPECT_EQ(lastSaved("a"), 1);
+    EXPECT_THAT(root_.log(), HasSubstr("write: File too large"));
+  }));
+}
