@@ -6,7 +6,7 @@
 #include <csignal>
 #include <vector>
 
-#include "platform/host/WholeFile.h"
+#include "base/WholeFile.h"
 
 namespace bookstore {
 
@@ -29,7 +29,7 @@ class BlockedSignals {
  private:
   sigset_t blocked_;
   sigset_t before_;
-  host::Descriptor descriptor_;
+  base::Descriptor descriptor_;
 };
 
 }  // namespace bookstore

@@ -44,7 +44,7 @@ struct Pipe {
 
 // A descriptor with a higher number than the browser's two, in place of this one.
 int raised(int descriptor) {
-  const host::Descriptor low(descriptor);
+  const base::Descriptor low(descriptor);
   return ::fcntl(low.get(), F_DUPFD_CLOEXEC, kAboveThese);
 }
 
@@ -170,10 +170,10 @@ void Browser::start(const std::vector<std::string>& options) {
 
   const Pipe commands = openPipe();
   commands_.emplace(commands.writeEnd);
-  const host::Descriptor commandsEnd(commands.readEnd);
+  const base::Descriptor commandsEnd(commands.readEnd);
   const Pipe answers = openPipe();
   answers_.emplace(answers.readEnd);
-  const host::Descriptor answersEnd(answers.writeEnd);
+  const base::Descriptor answersEnd(answers.writeEnd);
   const SpawnSetting setting(commandsEnd.get(), answersEnd.get(), signals_.before());
   errno = ::posix_spawn(&pid_, program_.c_str(), &setting.actions, &setting.attributes,
                         arguments.data(), environ);

@@ -12,9 +12,9 @@
 
 #include <json/forwards.h>
 
+#include "base/WholeFile.h"
 #include "bookstore/BlockedSignals.h"
 #include "bookstore/Failure.h"
-#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 
@@ -64,9 +64,9 @@ class Browser {
   const BlockedSignals signals_;
   const Profile profile_;
   const std::string program_;
-  std::optional<host::Descriptor> commands_;
-  std::optional<host::Descriptor> answers_;
-  std::optional<host::Descriptor> process_;
+  std::optional<base::Descriptor> commands_;
+  std::optional<base::Descriptor> answers_;
+  std::optional<base::Descriptor> process_;
   pid_t pid_ = -1;
   int lastId_ = 0;
   std::string received_;

@@ -2,10 +2,10 @@
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
+#include "base/Settings.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Session.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "platform/host/Settings.h"
 
 namespace bookstore {
 
@@ -19,7 +19,7 @@ BrowserSession browserSession() {
   if (generation != 3) {
     throw Failure(kNoSession,
                   "there are no cookies for store generation " + std::to_string(generation),
-                  std::string(host::settings::kStoreVersion.name) + "=3");
+                  std::string(base::settings::kStoreVersion.name) + "=3");
   }
   if (!::isLoggedIn()) {
     throw notSignedIn();

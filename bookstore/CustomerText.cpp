@@ -1,7 +1,7 @@
 #include "bookstore/CustomerText.h"
 
+#include "base/VisibleText.h"
 #include "bookstore/Failure.h"
-#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 
@@ -9,7 +9,7 @@ namespace {
 
 // The length of the character at `position`; 0 where none is that a request can carry.
 std::size_t characterLength(const std::string& text, std::size_t position) {
-  const std::size_t length = host::printableLength(text, position);
+  const std::size_t length = base::printableLength(text, position);
   if (length != 0 || text[position] == '\0') {
     return length;
   }

@@ -7,8 +7,8 @@
 #include <ctime>
 #include <system_error>
 
+#include "base/Settings.h"
 #include "bookstore/Failure.h"
-#include "platform/host/Settings.h"
 
 namespace bookstore {
 
@@ -37,11 +37,11 @@ bool look(const std::string& path, struct stat* status) {
 const char kTokenFileOnDevice[] = "/mnt/ext1/system/config/bookstore.cfg";
 
 std::string storeListFile() {
-  return host::hostPath("/mnt/ext1/system/state/cache/store_list.cfg");
+  return base::hostPath("/mnt/ext1/system/state/cache/store_list.cfg");
 }
 
 std::string tokenFile() {
-  return host::hostPath(kTokenFileOnDevice);
+  return base::hostPath(kTokenFileOnDevice);
 }
 
 bool fileExists(const std::string& path) {

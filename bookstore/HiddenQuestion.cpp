@@ -9,9 +9,9 @@
 #include <optional>
 #include <system_error>
 
+#include "base/WholeFile.h"
 #include "bookstore/BlockedSignals.h"
 #include "bookstore/Failure.h"
-#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 
@@ -90,7 +90,7 @@ std::optional<std::string> askOnce(int terminal, const std::string& question) {
 }  // namespace
 
 std::string askHidden(const std::string& question) {
-  const host::Descriptor terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
+  const base::Descriptor terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (!terminal.isOpen()) {
     throw terminalFailure("there is no terminal to ask on");
   }

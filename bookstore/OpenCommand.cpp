@@ -2,12 +2,12 @@
 
 #include <json/json.h>
 
+#include "base/HttpSettings.h"
+#include "base/Settings.h"
 #include "bookstore/Browser.h"
 #include "bookstore/BrowserSession.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
-#include "platform/host/HttpSettings.h"
-#include "platform/host/Settings.h"
 
 namespace bookstore {
 
@@ -38,7 +38,7 @@ std::string resolverRule(const std::string& entry) {
 
 // What a browser can take of the host's settings; says what it cannot.
 std::vector<std::string> browserOptions(Output& output) {
-  const host::HttpSettings settings = host::readHttpSettings();
+  const base::HttpSettings settings = base::readHttpSettings();
   std::string rules;
   for (const std::string& entry : settings.connectTo) {
     const std::string rule = resolverRule(entry);

@@ -4,8 +4,8 @@
 
 #include <json/json.h>
 
-#include "platform/host/MaskSecrets.h"
-#include "platform/host/VisibleText.h"
+#include "base/MaskSecrets.h"
+#include "base/VisibleText.h"
 
 namespace bookstore {
 
@@ -39,7 +39,7 @@ void Output::printResult(const std::string& line, const Json::Value& document) {
   if (isJson_) {
     printJson(document);
   } else {
-    print(host::visibleText(line) + "\n");
+    print(base::visibleText(line) + "\n");
   }
 }
 
@@ -54,15 +54,15 @@ void Output::fail(const Failure& failure) {
 void Output::printMessage(const std::string& text) {
   const bool isColored = terminal_.errIsTerminal && wantsColor();
   terminal_.err << (isColored ? "\033[1;31mbookstore:\033[0m " : "bookstore: ")
-                << host::visibleText(withoutSecrets(text)) << std::endl;
+                << base::visibleText(withoutSecrets(text)) << std::endl;
 }
 
 std::string Output::secret(const std::string& value) const {
-  return value.empty() || showsSecrets_ ? value : host::kSecretMask;
+  return value.empty() || showsSecrets_ ? value : base::kSecretMask;
 }
 
 std::string Output::withoutSecrets(const std::string& text) const {
-  return showsSecrets_ ? text : host::maskSecrets(text);
+  return showsSecrets_ ? text : base::maskSecrets(text);
 }
 
 bool Output::flush() {

@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/Settings.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Table.h"
-#include "platform/host/Settings.h"
 
 namespace bookstore {
 
@@ -68,7 +68,7 @@ std::string footer() {
   }
   Table environment;
   environment.addRow({"  NO_COLOR", "set to anything: no colour"});
-  for (const host::Setting& setting : host::allSettings()) {
+  for (const base::Setting& setting : base::allSettings()) {
     environment.addRow({std::string("  ") + setting.name, setting.meaning});
   }
   return "Each command takes --help, which lists its options.\n\nExit status:\n" +

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/VisibleText.h"
 #include "bookstore/Table.h"
-#include "platform/host/VisibleText.h"
 
 namespace bookstore {
 
@@ -20,7 +20,7 @@ std::string cut(const std::string& text) {
   std::size_t end = 0;
   for (std::size_t next = 0; displayWidth(text.substr(0, next)) < kTitleWidth;) {
     end = next;
-    next += std::max<std::size_t>(1, host::printableLength(text, next));
+    next += std::max<std::size_t>(1, base::printableLength(text, next));
   }
   return text.substr(0, end) + "…";
 }
@@ -32,7 +32,7 @@ std::string progressBar(std::size_t done, std::size_t all, const std::string& ti
   const std::size_t filled = kBarWidth * done / pieces;
   return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '-') + "] " +
          std::to_string(done + 1) + " of " + std::to_string(pieces) + "  " +
-         cut(host::visibleText(title));
+         cut(base::visibleText(title));
 }
 
 }  // namespace bookstore

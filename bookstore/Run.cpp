@@ -8,13 +8,13 @@
 
 #include <json/json.h>
 
+#include "base/DryRun.h"
+#include "base/Log.h"
+#include "base/Settings.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Output.h"
 #include "bookstore/Parser.h"
-#include "platform/host/DryRun.h"
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
 
 namespace bookstore {
 
@@ -22,25 +22,28 @@ namespace {
 
 class DryRunScope {
  public:
-  explicit DryRunScope(bool isOn) { host::setDryRun(isOn); }
-  ~DryRunScope() { host::setDryRun(false); }
+  explicit DryRunScope(bool isOn) { base::setDryRun(isOn); }
+  ~DryRunScope() { base::setDryRun(false); }
 
   DryRunScope(const DryRunScope&) = delete;
   DryRunScope& operator=(const DryRunScope&) = delete;
 };
 
-void changeSetting(const host::Setting& setting, const std::string& value) {
+void changeSetting(const base::Setting& setting, const std::string& value) {
   ::setenv(setting.name, value.c_str(), 1);
 }
 
 // The person's own settings stand where they ask for more.
 void adjustLog(const Arguments& arguments) {
-  const long long level = host::number(host::settings::kLogLevel, 0, 9);
-  if (arguments.has("--verbose") && level < host::kLogInformation) {
-    changeSetting(host::settings::kLogLevel, std::to_string(host::kLogInformation));
+  const long long level = base::number(base::settings::kLogLevel, 0, 9);
+  if (arguments.has("--verbose") && level < base::kLogInformation) {
+    changeSetting(base::settings::kLogLevel, std::to_string(base::kLogInformation));
+  } else if (base::text(base::settings::kLogLevel) != std::to_string(level)) {
+    // Its fault has been reported; the platform, which reads it again, need not repeat that.
+    changeSetting(base::settings::kLogLevel, std::to_string(level));
   }
   if (arguments.has("--show-secrets")) {
-    changeSetting(host::settings::kLogSecrets, "1");
+    changeSetting(base::settings::kLogSecrets, "1");
   }
 }
 
@@ -69,7 +72,7 @@ void checkDryRun(const Command& command, const Arguments& arguments) {
   }
 }
 
-void printDryRun(const host::DryRun& dryRun, Output* output) {
+void printDryRun(const base::DryRun& dryRun, Output* output) {
   const std::string command = output->withoutSecrets(dryRun.curlCommand());
   if (output->isJson()) {
     Json::Value document;
@@ -92,7 +95,7 @@ void runCommand(const Invocation& invocation, Output* output) {
     graphql::GraphQLApi api(storage);
     Context context{arguments, *output, storage, api};
     invocation.command->run(context);
-  } catch (const host::DryRun& dryRun) {
+  } catch (const base::DryRun& dryRun) {
     printDryRun(dryRun, output);
   }
 }
@@ -115,7 +118,7 @@ void execute(const std::vector<std::string>& words, const std::vector<Command>& 
 
 Failure unexpectedFailure(const char* what) {
   return Failure(kLocalFailure, std::string("unexpected failure: ") + what,
-                 "check the files below " + host::rootFolder() + ", or run it again with -v");
+                 "check the files below " + base::rootFolder() + ", or run it again with -v");
 }
 
 // Turns what is in flight into a Failure: the one place that knows all kinds of exceptions.

@@ -6,12 +6,12 @@
 
 #include <json/json.h>
 
+#include "base/Settings.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/SampleQueue.h"
 #include "bookstore/SampleText.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "platform/host/Settings.h"
 #include "sample_app/SamplePath.h"
 
 namespace bookstore {
@@ -27,7 +27,7 @@ void requireUsablePath(const std::string& devicePath) {
   if (!sample.isUsable()) {
     throw Failure(kUsage, "nothing was queued: " + sample.problem,
                   "a path on the device, such as /mnt/ext1/NAME, in a folder that is there below " +
-                      host::rootFolder());
+                      base::rootFolder());
   }
 }
 
@@ -55,7 +55,7 @@ void requireQueued(const SampleItem& item) {
 void runSampleAdd(Context& context) {
   const SampleItem item = {bookIdOf(context.arguments), context.arguments.text("FILE")};
   requireUsablePath(item.sampleFilePath);
-  const std::string application = host::hostPath(kApplicationOnDevice);
+  const std::string application = base::hostPath(kApplicationOnDevice);
   const bool hasApplication = isInstalled(application);
   queuedSamples();  // the library tells nobody that it cannot lock the queue
   addSample(item.bookId.c_str(), item.sampleFilePath.c_str());

@@ -213,7 +213,7 @@ void requireDrained(Worker::End end, const Report& report, std::size_t left) {
   }
 }
 
-// Ends, as any request of a dry run, in host::DryRun.
+// Ends, as any request of a dry run, in base::DryRun.
 void showFirstRequest(const Context& context) {
   const SampleItem item = oldestSample();
   std::string reason = sample_app::locateSample(item.sampleFilePath).problem;

@@ -20,7 +20,7 @@ SessionLock::SessionLock(const Context& context) {
     return;
   }
   lock_.emplace(tokenFile() + ".session");
-  if (const host::FileFailure& failure = lock_->failure()) {
+  if (const base::FileFailure& failure = lock_->failure()) {
     throw Failure(kLocalFailure, "the lock beside " + tokenFile() + " fails: " + failure.text(),
                   "set ORVANE_ROOT to a folder that can be written");
   }

@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
+#include "base/WholeFile.h"
 #include "bookstore/Command.h"
 #include "bookstore/Failure.h"
 #include "bookstore/Request.h"
-#include "platform/host/WholeFile.h"
 
 namespace bookstore {
 
@@ -22,7 +22,7 @@ class SessionLock {
   explicit SessionLock(const Context& context);
 
  private:
-  std::optional<host::FileLock> lock_;
+  std::optional<base::FileLock> lock_;
 };
 
 // Nobody is signed in where somebody has to be.

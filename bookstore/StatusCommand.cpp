@@ -6,12 +6,12 @@
 #include <orvane/utilities/BookStoreVersionProxy.h>
 #include <orvane/utilities/CfgWrapper.h>
 
+#include "base/Settings.h"
 #include "bookstore/Commands.h"
 #include "bookstore/DeviceFiles.h"
 #include "bookstore/StoreChoice.h"
 #include "bookstore/Table.h"
 #include "graphql_api/GraphQLHeader.h"
-#include "platform/host/Settings.h"
 
 using graphql::GraphQLStorageApi;
 using orvane::utilities::BookStoreVersionProxy;
@@ -47,7 +47,7 @@ Status look(Context& context) {
   // The identity is there from the first header build on.
   graphql::graphQLHeaders(context.storage, {}, GraphQLStorageApi::None);
   Status status;
-  status.root = host::rootFolder();
+  status.root = base::rootFolder();
   status.storeListFile = storeListFile();
   status.hasStoreListFile = fileExists(status.storeListFile);
   status.tokenFile = tokenFile();

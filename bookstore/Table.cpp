@@ -4,7 +4,7 @@
 #include <clocale>
 #include <cwchar>
 
-#include "platform/host/VisibleText.h"
+#include "base/VisibleText.h"
 
 namespace bookstore {
 
@@ -68,7 +68,7 @@ void Table::addRow(const std::vector<std::string>& cells) {
   std::vector<std::string> row;
   row.reserve(cells.size());
   for (const std::string& cell : cells) {
-    row.push_back(host::visibleText(cell));
+    row.push_back(base::visibleText(cell));
   }
   rows_.push_back(std::move(row));
 }

@@ -11,9 +11,9 @@
 
 #include <json/json.h>
 
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
-#include "platform/host/WholeFile.h"
+#include "base/Log.h"
+#include "base/Settings.h"
+#include "base/WholeFile.h"
 
 namespace sample_app {
 
@@ -53,7 +53,7 @@ void keepSmall(const std::string& path) {
 // One write, so that a process that is killed leaves the line or none of it.
 bool append(const std::string& path, const std::string& line) {
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC;
-  host::Descriptor file(::open(path.c_str(), flags, 0600));
+  base::Descriptor file(::open(path.c_str(), flags, 0600));
   errno = file.isOpen() ? ENOSPC : errno;  // a write that comes short sets none
   return file.isOpen() &&
          ::write(file.get(), line.data(), line.size()) == static_cast<ssize_t>(line.size()) &&
@@ -63,11 +63,11 @@ bool append(const std::string& path, const std::string& line) {
 }  // namespace
 
 bool listFailure(const SampleItem& item, const std::string& reason) {
-  const std::string path = host::hostPath(kFailureListPath);
-  const host::FileLock lock(path);
+  const std::string path = base::hostPath(kFailureListPath);
+  const base::FileLock lock(path);
   keepSmall(path);
   if (!append(path, lineFor(item, reason))) {
-    HOST_LOG_FAILURE("Cannot write %s: %s; check its folder and the file system", path.c_str(),
+    BASE_LOG_FAILURE("Cannot write %s: %s; check its folder and the file system", path.c_str(),
                      std::strerror(errno));
     return false;
   }

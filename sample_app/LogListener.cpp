@@ -1,7 +1,7 @@
 #include "sample_app/LogListener.h"
 
-#include "platform/host/Log.h"
-#include "platform/host/VisibleText.h"
+#include "base/Log.h"
+#include "base/VisibleText.h"
 
 using graphql::GraphQLApi;
 
@@ -16,22 +16,22 @@ void LogListener::done(const SampleItem&, const GraphQLApi::SampleMetadata&, con
 }
 
 void LogListener::setAside(const SampleItem& item, const std::string& reason) {
-  HOST_LOG_FAILURE("The sample %s of the book %s is set aside: %s",
-                   host::visibleText(item.sampleFilePath).c_str(),
-                   host::visibleText(item.bookId).c_str(), reason.c_str());
+  BASE_LOG_FAILURE("The sample %s of the book %s is set aside: %s",
+                   base::visibleText(item.sampleFilePath).c_str(),
+                   base::visibleText(item.bookId).c_str(), reason.c_str());
   postponedFor_.clear();
 }
 
 // Attempts can go on for days: only a new reason is worth a line.
 void LogListener::postponed(Obstacle, const std::string& reason) {
   if (reason != postponedFor_) {
-    HOST_LOG_FAILURE("The samples wait: %s; it is tried again", reason.c_str());
+    BASE_LOG_FAILURE("The samples wait: %s; it is tried again", reason.c_str());
     postponedFor_ = reason;
   }
 }
 
 void LogListener::signedOut(const std::string& reason) {
-  HOST_LOG_FAILURE("The samples stay in the queue: %s; sign in, and add a sample", reason.c_str());
+  BASE_LOG_FAILURE("The samples stay in the queue: %s; sign in, and add a sample", reason.c_str());
 }
 
 }  // namespace sample_app

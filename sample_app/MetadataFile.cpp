@@ -43,18 +43,18 @@ std::string textOf(const Json::Value& document) {
 
 }  // namespace
 
-host::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
+base::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
                                 const GraphQLApi::SampleMetadata& metadata,
                                 const Thumbnail& thumbnail) {
   const std::string picture = path + ".thumbnail." + thumbnail.extension;
   Json::Value document = documentOf(item, metadata);
   tellThumbnail(thumbnail, picture, &document);
-  host::FileFailure failure;
+  base::FileFailure failure;
   if (thumbnail.isThere()) {
-    failure = host::placeWholeFile(picture, thumbnail.bytes, host::Placing::Replace);
+    failure = base::placeWholeFile(picture, thumbnail.bytes, base::Placing::Replace);
   }
   return failure ? failure
-                 : host::placeWholeFile(path + ".json", textOf(document), host::Placing::Replace);
+                 : base::placeWholeFile(path + ".json", textOf(document), base::Placing::Replace);
 }
 
 }  // namespace sample_app

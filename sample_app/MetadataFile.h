@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "base/WholeFile.h"
 #include "graphql_api/GraphQLApi.h"
-#include "platform/host/WholeFile.h"
 #include "sample_app/LockedQueue.h"
 #include "sample_app/Thumbnail.h"
 
@@ -15,7 +15,7 @@ namespace sample_app {
 // Places the picture at `path`.thumbnail.<extension>, if there is one, and then the metadata as
 // JSON at `path`.json, each whole, on the disk and for its owner only. `path` is the sample file's
 // on this machine. Returns why it failed, if it did; what stood there before then stays.
-host::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
+base::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
                                 const graphql::GraphQLApi::SampleMetadata& metadata,
                                 const Thumbnail& thumbnail);
 

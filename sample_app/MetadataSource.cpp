@@ -5,9 +5,9 @@
 
 #include <json/json.h>
 
-#include "platform/host/Settings.h"
-#include "platform/host/VisibleText.h"
-#include "platform/host/WholeFile.h"
+#include "base/Settings.h"
+#include "base/VisibleText.h"
+#include "base/WholeFile.h"
 
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
@@ -82,7 +82,7 @@ Lookup MetadataSource::ask(const std::string& bookId) {
     }
     if (!metadata.uid.empty()) {
       return without(Outcome::Unknown,
-                     "the store answered with another book: " + host::visibleText(metadata.uid));
+                     "the store answered with another book: " + base::visibleText(metadata.uid));
     }
     return failedStatus_ == 0 && metadata.error == GraphQLApi::BadResponse
                ? checkSession()
@@ -104,7 +104,7 @@ Lookup MetadataSource::checkSession() {
 }
 
 std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
-  const host::FileLock lock(host::hostPath(kSession));
+  const base::FileLock lock(base::hostPath(kSession));
   if (lock.failure()) {
     return without(Outcome::Unlocked, "the session cannot be locked: " + lock.failure().text());
   }

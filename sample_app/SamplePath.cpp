@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
 namespace sample_app {
 
@@ -39,10 +39,10 @@ SamplePath locateSample(const std::string& devicePath) {
     return unusable("the path of the sample file names a folder");
   }
   std::error_code error;
-  const fs::path root = fs::canonical(host::rootFolder(), error);
+  const fs::path root = fs::canonical(base::rootFolder(), error);
   const fs::path folder =
       error ? fs::path()
-            : fs::canonical(host::hostPath(wanted.parent_path().string()) + "/.", error);
+            : fs::canonical(base::hostPath(wanted.parent_path().string()) + "/.", error);
   if (error) {
     return unusable("the folder of the sample file cannot be used: " + error.message());
   }

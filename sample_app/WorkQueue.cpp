@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <sstream>
 
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
-#include "platform/host/WholeFile.h"
+#include "base/Log.h"
+#include "base/Settings.h"
+#include "base/WholeFile.h"
 
 using graphql::GraphQLSampleQueue;
 
@@ -22,8 +22,8 @@ using Items = std::vector<SampleItem>;
 
 constexpr std::size_t kLargestJournal = 512UL * 1024 * 1024;
 
-bool failed(const char* what, const host::FileFailure& failure) {
-  HOST_LOG_FAILURE("%s fails: %s", what, failure.text().c_str());
+bool failed(const char* what, const base::FileFailure& failure) {
+  BASE_LOG_FAILURE("%s fails: %s", what, failure.text().c_str());
   return false;
 }
 
@@ -53,12 +53,12 @@ Items without(Items items, const Items& others) {
 }
 
 void removeJournal() {
-  ::unlink(host::hostPath(kJournalPath).c_str());
+  ::unlink(base::hostPath(kJournalPath).c_str());
 }
 
 bool rewrite(LockedQueue& queue, const Items& items) {
   if (!queue.replace(items)) {
-    HOST_LOG_FAILURE("The queue of samples could not be rewritten; see whether /tmp has room");
+    BASE_LOG_FAILURE("The queue of samples could not be rewritten; see whether /tmp has room");
     return false;
   }
   return true;
@@ -72,11 +72,11 @@ bool placeJournal(const Items& items) {
       return false;  // logged by the library
     }
   }
-  const std::string path = host::hostPath(kJournalPath);
-  const host::FileLock lock(path);
-  const host::FileFailure failure =
+  const std::string path = base::hostPath(kJournalPath);
+  const base::FileLock lock(path);
+  const base::FileFailure failure =
       lock.failure() ? lock.failure()
-                     : host::placeWholeFile(path, bytes.str(), host::Placing::Replace);
+                     : base::placeWholeFile(path, bytes.str(), base::Placing::Replace);
   return !failure || failed("Writing the journal of the queue", failure);
 }
 
@@ -84,8 +84,8 @@ bool placeJournal(const Items& items) {
 
 bool WorkQueue::recover() {
   std::string bytes;
-  const host::FileFailure failure =
-      host::readWholeFile(host::hostPath(kJournalPath), kLargestJournal, &bytes);
+  const base::FileFailure failure =
+      base::readWholeFile(base::hostPath(kJournalPath), kLargestJournal, &bytes);
   if (failure) {
     return failure.error == ENOENT || failed("Reading the journal of the queue", failure);
   }

@@ -101,7 +101,7 @@ Worker::Step Worker::place(const SampleItem& item, const std::string& path,
                            const graphql::GraphQLApi::SampleMetadata& metadata) {
   listener_.found(metadata);
   const Thumbnail thumbnail = fetchThumbnail(metadata.thumbnailUrl);
-  if (const host::FileFailure failure = placeMetadata(path, item, metadata, thumbnail)) {
+  if (const base::FileFailure failure = placeMetadata(path, item, metadata, thumbnail)) {
     const std::string reason = "the metadata cannot be written: " + failure.text();
     return isTemporary(failure.error) ? postpone(Obstacle::Files, reason) : setAside(item, reason);
   }

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/host/Log.h"
+#include "base/Log.h"
 
 namespace sample_app {
 
@@ -39,7 +39,7 @@ WorkerLock::State lock(int file) {
       return WorkerLock::State::Busy;
     }
   }
-  HOST_LOG_FAILURE("Cannot lock %s: %s; move away what stands there", kWorkerLockPath,
+  BASE_LOG_FAILURE("Cannot lock %s: %s; move away what stands there", kWorkerLockPath,
                    std::strerror(errno));
   return WorkerLock::State::Failed;
 }

@@ -3,7 +3,7 @@
 #ifndef SAMPLE_APP_WORKERLOCK_H_
 #define SAMPLE_APP_WORKERLOCK_H_
 
-#include "platform/host/WholeFile.h"
+#include "base/WholeFile.h"
 
 namespace sample_app {
 
@@ -26,7 +26,7 @@ class WorkerLock {
   State state() const { return state_; }
 
  private:
-  host::Descriptor file_;
+  base::Descriptor file_;
   State state_;
 };
 

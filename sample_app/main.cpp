@@ -7,8 +7,8 @@
 #include <exception>
 #include <memory>
 
+#include "base/Log.h"
 #include "graphql_api/GraphQLStorageApi.h"
-#include "platform/host/Log.h"
 #include "sample_app/LogListener.h"
 #include "sample_app/Settings.h"
 #include "sample_app/SignalWaiter.h"
@@ -43,7 +43,7 @@ int main() {
   try {
     return work();
   } catch (const std::exception& exception) {
-    HOST_LOG_FAILURE("The application of the samples ends: %s", exception.what());
+    BASE_LOG_FAILURE("The application of the samples ends: %s", exception.what());
     return EXIT_FAILURE;
   }
 }

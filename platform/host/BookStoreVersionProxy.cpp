@@ -1,13 +1,13 @@
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
 namespace orvane {
 namespace utilities {
 
 // The setting is read anew each time, so there is nothing to refresh.
 int BookStoreVersionProxy::storeVersion(bool) {
-  return static_cast<int>(host::number(host::settings::kStoreVersion, 1, 99));
+  return static_cast<int>(base::number(base::settings::kStoreVersion, 1, 99));
 }
 
 std::string BookStoreVersionProxy::configKeyAccessToken() {

@@ -1,7 +1,7 @@
 #include <orvane/utilities/CfgWrapper.h>
 
+#include "base/Log.h"
 #include "platform/host/ConfigFile.h"
-#include "platform/host/Log.h"
 #include "platform/host/RegistrationProof.h"
 
 namespace orvane {
@@ -21,7 +21,7 @@ std::set<std::string> CfgWrapper::keys() const {
 
 void CfgWrapper::save() {
   if (handle == nullptr) {
-    HOST_LOG_FAILURE("Nothing is saved: the configuration is closed already");
+    BASE_LOG_FAILURE("Nothing is saved: the configuration is closed already");
     return;
   }
   host::provideRegistrationProof(handle);

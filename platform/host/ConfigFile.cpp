@@ -9,9 +9,9 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
-#include "platform/host/WholeFile.h"
+#include "base/Log.h"
+#include "base/Settings.h"
+#include "base/WholeFile.h"
 
 namespace host {
 namespace {
@@ -56,7 +56,7 @@ std::string normalDevicePath(const std::string& path) {
 }
 
 ConfigFile::ConfigFile(const std::string& path, Access access)
-    : devicePath_(normalDevicePath(path)), path_(hostPath(devicePath_)), access_(access) {}
+    : devicePath_(normalDevicePath(path)), path_(base::hostPath(devicePath_)), access_(access) {}
 
 ConfigFile::~ConfigFile() {
   wipe(&clearText_);
@@ -94,7 +94,7 @@ const char* ConfigFile::clearTextOf(const std::string& key, const ConfigValue& v
     return nullptr;  // logged there
   }
   if (!box_->unseal(value.text, devicePath_, key, &clearText_)) {
-    HOST_LOG_FAILURE(
+    BASE_LOG_FAILURE(
         "%s: the secret %s cannot be opened and reads as its default: it was changed, "
         "or comes from another key, file or machine. Sign in or discover the stores "
         "again.",
@@ -135,11 +135,11 @@ const ConfigEntries& ConfigFile::fileEntries() {
   if (!isLoaded_) {
     isLoaded_ = true;
     std::string content;
-    const FileFailure failure = readWholeFile(path_, kMaxFileBytes, &content);
+    const base::FileFailure failure = base::readWholeFile(path_, kMaxFileBytes, &content);
     if (!failure) {
       takeOver(std::move(content));
     } else if (failure.error != ENOENT) {
-      HOST_LOG_FAILURE("Cannot read %s, which counts as empty: %s", path_.c_str(),
+      BASE_LOG_FAILURE("Cannot read %s, which counts as empty: %s", path_.c_str(),
                        failure.text().c_str());
     }
   }
@@ -152,13 +152,13 @@ void ConfigFile::takeOver(std::string content) {
   content_ = std::move(content);
   const std::size_t count = fromFile_.damagedLines.size();
   for (std::size_t i = 0; i < std::min(count, kMaxDamagedLinesLogged); ++i) {
-    HOST_LOG_FAILURE(
+    BASE_LOG_FAILURE(
         "%s:%zu: this line is left out: it has no '=', or an escape other than "
         "\\n, \\r, \\t, \\\\ and \\xHH",
         path_.c_str(), fromFile_.damagedLines[i]);
   }
   if (count > kMaxDamagedLinesLogged) {
-    HOST_LOG_FAILURE("%s: %zu more lines are left out", path_.c_str(),
+    BASE_LOG_FAILURE("%s: %zu more lines are left out", path_.c_str(),
                      count - kMaxDamagedLinesLogged);
   }
 }
@@ -185,12 +185,12 @@ bool ConfigFile::mayBeSaved() const {
 }
 
 bool ConfigFile::updateFile() {
-  const FileLock lock(path_);
+  const base::FileLock lock(path_);
   if (lock.failure()) {
     return failed(lock.failure().text());
   }
   std::string content;
-  const FileFailure unread = readWholeFile(path_, kMaxFileBytes, &content);
+  const base::FileFailure unread = base::readWholeFile(path_, kMaxFileBytes, &content);
   if (unread && unread.error != ENOENT) {
     return failed("what it holds cannot be read and would be lost: " + unread.text());
   }
@@ -216,12 +216,12 @@ bool ConfigFile::replaceFile() {
   if (!fromFile_.damagedLines.empty() && !keepDamagedFile()) {
     return false;
   }
-  const FileFailure unsaved = placeWholeFile(path_, content, Placing::Replace);
+  const base::FileFailure unsaved = base::placeWholeFile(path_, content, base::Placing::Replace);
   if (unsaved && !unsaved.isPlaced) {
     return failed(unsaved.text());
   }
   if (unsaved) {
-    HOST_LOG_FAILURE("%s is saved, but a power cut could undo it: %s", path_.c_str(),
+    BASE_LOG_FAILURE("%s is saved, but a power cut could undo it: %s", path_.c_str(),
                      unsaved.text().c_str());
   }
   fromFile_ = {std::move(merged), {}};
@@ -249,12 +249,12 @@ bool ConfigFile::keepDamagedFile() const {
                   std::generic_category().message(errno) +
                   "; move away the damaged files that are kept there");
   }
-  HOST_LOG_FAILURE("%s was damaged; it is kept as %s", path_.c_str(), kept.c_str());
+  BASE_LOG_FAILURE("%s was damaged; it is kept as %s", path_.c_str(), kept.c_str());
   return true;
 }
 
 bool ConfigFile::failed(const std::string& why) const {
-  HOST_LOG_FAILURE("Cannot save %s, which stays as it is: %s", path_.c_str(), why.c_str());
+  BASE_LOG_FAILURE("Cannot save %s, which stays as it is: %s", path_.c_str(), why.c_str());
   return false;
 }
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "platform/host/VisibleText.h"
+#include "base/VisibleText.h"
 
 namespace host {
 namespace {
@@ -143,13 +143,13 @@ void appendEscaped(const std::string& text, const char* special, std::string* ou
       continue;
     }
     const char byte = text[at];
-    const std::size_t length = printableLength(text, at);
+    const std::size_t length = base::printableLength(text, at);
     if (byte == '\\') {
       *out += "\\\\";
       ++at;
     } else if (length == 0 || (byte == ' ' && isEdge(at, text)) ||
                std::strchr(special, byte) != nullptr) {
-      appendEscape(byte, out);
+      base::appendEscape(byte, out);
       ++at;
     } else {
       out->append(text, at, length);
@@ -162,7 +162,7 @@ void appendValue(const ConfigValue& value, std::string* out) {
   if (value.isSecret) {
     *out += kSecretStart;
   } else if (value.text.compare(0, kSecretStartLength, kSecretStart) == 0) {
-    appendEscape(value.text.front(), out);
+    base::appendEscape(value.text.front(), out);
     appendEscaped(value.text.substr(1), "", out);
     return;
   }

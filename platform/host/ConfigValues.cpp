@@ -7,8 +7,8 @@
 #include <cstring>
 #include <string>
 
+#include "base/Log.h"
 #include "platform/host/ConfigFile.h"
-#include "platform/host/Log.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ const host::ConfigValue* find(ov_config* config, const char* key) {
 
 // Logs that the value of `key` is of another kind than the one asked for.
 void reportKind(const ov_config* config, const char* key, const char* fault) {
-  HOST_LOG_FAILURE("%s: %s %s and reads as its default; write it anew",
+  BASE_LOG_FAILURE("%s: %s %s and reads as its default; write it anew",
                    config->file.devicePath().c_str(), key, fault);
 }
 
@@ -28,11 +28,11 @@ std::string orEmpty(const char* text) {
 
 bool mayWrite(const ov_config* config, const char* key) {
   if (config == nullptr) {
-    HOST_LOG_FAILURE("%s is not written: open the configuration first", orEmpty(key).c_str());
+    BASE_LOG_FAILURE("%s is not written: open the configuration first", orEmpty(key).c_str());
     return false;
   }
   if (key == nullptr) {
-    HOST_LOG_FAILURE("%s: a value without a key is not written", config->file.devicePath().c_str());
+    BASE_LOG_FAILURE("%s: a value without a key is not written", config->file.devicePath().c_str());
     return false;
   }
   return true;

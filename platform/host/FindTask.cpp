@@ -24,7 +24,7 @@
 #include <system_error>
 #include <vector>
 
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
 namespace {
 
@@ -65,10 +65,10 @@ std::string withoutTrailingSlash(std::string path) {
 // False when the process names another root. One that names none, or one relative to a folder that
 // we do not know, is taken for one of ours.
 bool isOfThisRoot(const std::string& process) {
-  const std::string start = std::string(host::settings::kRoot.name) + "=";
+  const std::string start = std::string(base::settings::kRoot.name) + "=";
   for (const std::string& variable : textsOf(process + "/environ")) {
     if (variable.compare(0, start.size(), start) == 0 && variable[start.size()] == '/') {
-      return withoutTrailingSlash(variable.substr(start.size())) == host::rootFolder();
+      return withoutTrailingSlash(variable.substr(start.size())) == base::rootFolder();
     }
   }
   return true;
@@ -167,7 +167,7 @@ int FindTaskByAppName(const char* path) {
   if (path == nullptr || *path == '\0') {
     return 0;
   }
-  const Application application(host::hostPath(path));
+  const Application application(base::hostPath(path));
   const std::unique_ptr<DIR, int (*)(DIR*)> processes(
       application.exists() ? ::opendir("/proc") : nullptr, ::closedir);
   while (const dirent* entry = processes ? ::readdir(processes.get()) : nullptr) {

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <initializer_list>
 
+#include "base/HttpSettings.h"
 #include "platform/host/HttpRequestData.h"
-#include "platform/host/HttpSettings.h"
 
 namespace host {
 
@@ -44,7 +44,7 @@ std::string quoted(const std::string& text) {
   return word + "'";
 }
 
-std::string settingsOptions(const HttpSettings& settings) {
+std::string settingsOptions(const base::HttpSettings& settings) {
   std::string options = settings.http2 ? " --http2" : " --http1.1";
   if (!settings.caFile.empty()) {
     options += " --cacert " + quoted(settings.caFile);
@@ -61,7 +61,7 @@ std::string settingsOptions(const HttpSettings& settings) {
 std::string curlCommand(const HttpRequestData& request) {
   const bool asksForHead = request.method == "HEAD";
   std::string command = "curl --globoff --compressed --noproxy '*'";
-  command += settingsOptions(readHttpSettings());
+  command += settingsOptions(base::readHttpSettings());
   command += asksForHead ? " --head" : " -X " + quoted(request.method);
   command += " --url " + quoted(request.url);
   for (const std::string& line : curlHeaderLines(request)) {

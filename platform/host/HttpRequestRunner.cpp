@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/host/DryRun.h"
+#include "base/DryRun.h"
 #include "platform/host/HttpRequestData.h"
 #include "platform/host/HttpTransfer.h"
 
@@ -14,8 +14,8 @@ namespace utilities {
 namespace {
 
 void endHereInDryRun(const HttpRequest& request) {
-  if (host::isDryRun()) {
-    throw host::DryRun(request.toCurlRequest());
+  if (base::isDryRun()) {
+    throw base::DryRun(request.toCurlRequest());
   }
 }
 

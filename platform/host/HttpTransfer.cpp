@@ -100,7 +100,7 @@ void setBounds(CurlHandle& curl) {
   curl.set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
 }
 
-void setTrust(CurlHandle& curl, const HttpSettings& settings) {
+void setTrust(CurlHandle& curl, const base::HttpSettings& settings) {
   curl.set(CURLOPT_SSL_VERIFYPEER, 1L);
   curl.set(CURLOPT_SSL_VERIFYHOST, 2L);
   curl.set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
@@ -116,7 +116,7 @@ void setTrust(CurlHandle& curl, const HttpSettings& settings) {
   }
 }
 
-void setTimes(CurlHandle& curl, const HttpSettings& settings, unsigned int limitSeconds) {
+void setTimes(CurlHandle& curl, const base::HttpSettings& settings, unsigned int limitSeconds) {
   const unsigned int most = INT_MAX / 1000;  // libcurl refuses more, and would wait for ever
   curl.set(CURLOPT_NOSIGNAL, 1L);
   curl.set(CURLOPT_QUICK_EXIT, 1L);  // or a silent name server would outlast the limit
@@ -143,7 +143,7 @@ std::string lowerCase(std::string text) {
 HttpTransfer::HttpTransfer(const HttpRequestData& request, unsigned int limitSeconds,
                            WriteCallback write, ProgressCallback progress)
     : request_(request),
-      settings_(readHttpSettings()),
+      settings_(base::readHttpSettings()),
       limitSeconds_(limitSeconds),
       write_(std::move(write)),
       progress_(std::move(progress)) {}

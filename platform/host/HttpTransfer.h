@@ -11,9 +11,9 @@
 
 #include <orvane/utilities/HttpRequestRunner.h>
 
+#include "base/HttpSettings.h"
 #include "platform/host/CurlHandle.h"
 #include "platform/host/HttpRequestData.h"
-#include "platform/host/HttpSettings.h"
 
 namespace host {
 
@@ -64,7 +64,7 @@ class HttpTransfer {
                         curl_off_t);
 
   const HttpRequestData& request_;
-  const HttpSettings settings_;
+  const base::HttpSettings settings_;
   const unsigned int limitSeconds_;
   const WriteCallback write_;
   const ProgressCallback progress_;

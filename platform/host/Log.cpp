@@ -1,4 +1,4 @@
-#include "platform/host/Log.h"
+#include "base/Log.h"
 
 #include <fcntl.h>
 #include <sys/time.h>
@@ -13,9 +13,9 @@
 #include <cstring>
 #include <ctime>
 
-#include "platform/host/MaskSecrets.h"
-#include "platform/host/Settings.h"
-#include "platform/host/VisibleText.h"
+#include "base/MaskSecrets.h"
+#include "base/Settings.h"
+#include "base/VisibleText.h"
 
 namespace host {
 namespace {
@@ -92,16 +92,16 @@ bool appendToFile(const std::string& path, const std::string& line) {
 void reportBrokenLog(const std::string& path) {
   static std::atomic<bool> reported(false);
   if (!reported.exchange(true)) {
-    writeLine(STDERR_FILENO, "Cannot write the log file " + visibleText(path) + ": " +
-                                 std::strerror(errno) + "; set " + settings::kLogTarget.name +
+    writeLine(STDERR_FILENO, "Cannot write the log file " + base::visibleText(path) + ": " +
+                                 std::strerror(errno) + "; set " + base::settings::kLogTarget.name +
                                  " to a file that can be written. Logging here.\n");
   }
 }
 
 void writeToTarget(int level, std::string line) {
-  const std::string target = text(settings::kLogTarget);
+  const std::string target = base::text(base::settings::kLogTarget);
   if (target == "syslog") {
-    ::syslog(level <= kLogFailure ? LOG_ERR : LOG_INFO, "%s", line.c_str());
+    ::syslog(level <= base::kLogFailure ? LOG_ERR : LOG_INFO, "%s", line.c_str());
     return;
   }
   line += '\n';
@@ -118,11 +118,12 @@ std::string orUnknown(const char* text) {
   return text == nullptr ? "?" : text;
 }
 
-}  // namespace
-
+// True when a line of this level would be written.
 bool logs(int level) {
-  return level >= kLogFailure && level <= number(settings::kLogLevel, 0, 9);
+  return level >= base::kLogFailure && level <= base::number(base::settings::kLogLevel, 0, 9);
 }
+
+}  // namespace
 
 }  // namespace host
 
@@ -136,11 +137,11 @@ void ov_print_log2(int level, const char* file, int line, const char* function, 
   va_start(values, format);
   std::string text = host::formatted(format, values);
   va_end(values);
-  if (!host::isOn(host::settings::kLogSecrets)) {
-    text = host::maskSecrets(text);
+  if (!base::isOn(base::settings::kLogSecrets)) {
+    text = base::maskSecrets(text);
   }
   const std::string place =
       host::orUnknown(file) + ":" + std::to_string(line) + " " + host::orUnknown(function);
-  host::writeToTarget(level, host::visibleText(host::timeWithZone() + " " + std::to_string(level) +
+  host::writeToTarget(level, base::visibleText(host::timeWithZone() + " " + std::to_string(level) +
                                                " " + place + ": " + text));
 }

@@ -16,9 +16,9 @@
 #include <system_error>
 #include <vector>
 
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
-#include "platform/host/WholeFile.h"
+#include "base/Log.h"
+#include "base/Settings.h"
+#include "base/WholeFile.h"
 
 namespace {
 
@@ -36,15 +36,15 @@ struct Start {
 };
 
 int failed(const std::string& path, const char* step, int error) {
-  HOST_LOG_FAILURE("Cannot start the task %s: %s: %s; check that the file is there and executable",
+  BASE_LOG_FAILURE("Cannot start the task %s: %s: %s; check that the file is there and executable",
                    path.c_str(), step, std::generic_category().message(error).c_str());
   return -1;
 }
 
 // The task runs in another current folder: the files that settings name must stay the same.
 std::string withAbsolutePath(const std::string& assignment) {
-  for (const host::Setting& setting :
-       {host::settings::kRoot, host::settings::kCaFile, host::settings::kLogTarget}) {
+  for (const base::Setting& setting :
+       {base::settings::kRoot, base::settings::kCaFile, base::settings::kLogTarget}) {
     const std::string start = std::string(setting.name) + "=";
     const std::string value = assignment.substr(std::min(start.size(), assignment.size()));
     if (assignment.compare(0, start.size(), start) == 0 && !value.empty() && value != "stderr" &&
@@ -57,7 +57,7 @@ std::string withAbsolutePath(const std::string& assignment) {
 
 Start prepare(const char* path, char* const* arguments) {
   Start start;
-  start.path = host::hostPath(path);
+  start.path = base::hostPath(path);
   for (; arguments != nullptr && *arguments != nullptr; ++arguments) {
     start.arguments.push_back(*arguments);
   }
@@ -185,9 +185,9 @@ int NewTask(const char* path, char* const* arguments, const char*, const char*, 
   if (::pipe2(ends, O_CLOEXEC) != 0) {
     return failed(start.path, "pipe", errno);
   }
-  const host::Descriptor told(ends[0]);
-  host::Descriptor report(aboveStandardStreams(ends[1]));
-  const host::Descriptor nothing(aboveStandardStreams(::open("/dev/null", O_RDWR | O_CLOEXEC)));
+  const base::Descriptor told(ends[0]);
+  base::Descriptor report(aboveStandardStreams(ends[1]));
+  const base::Descriptor nothing(aboveStandardStreams(::open("/dev/null", O_RDWR | O_CLOEXEC)));
   if (!report.isOpen() || !nothing.isOpen()) {
     return failed(start.path, "open", errno);
   }

@@ -14,9 +14,9 @@
 
 #include <sodium.h>
 
-#include "platform/host/Log.h"
-#include "platform/host/Settings.h"
-#include "platform/host/WholeFile.h"
+#include "base/Log.h"
+#include "base/Settings.h"
+#include "base/WholeFile.h"
 
 namespace host {
 
@@ -58,16 +58,16 @@ FileMark markOf(const struct stat& status) {
 }
 
 void makeKey(const std::string& path) {
-  const FileLock lock(path);
-  FileFailure failure = lock.failure();
+  const base::FileLock lock(path);
+  base::FileFailure failure = lock.failure();
   if (!failure) {
     std::string key(kKeySize, '\0');
     ::randombytes_buf(&key[0], key.size());
-    failure = placeWholeFile(path, key, Placing::KeepExisting);
+    failure = base::placeWholeFile(path, key, base::Placing::KeepExisting);
     wipe(&key);
   }
   if (failure) {
-    HOST_LOG_FAILURE("Cannot make the key file %s: %s", path.c_str(), failure.text().c_str());
+    BASE_LOG_FAILURE("Cannot make the key file %s: %s", path.c_str(), failure.text().c_str());
   }
 }
 
@@ -87,11 +87,11 @@ const char* faultOf(const struct stat& status) {
 
 // Reads the key into `*key`, which stays empty when that is not possible (logged).
 void readKey(const std::string& path, std::string* key, FileMark* mark) {
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+  const base::Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
   struct stat status = {};
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
-    const FileFailure failure = {"open", errno, false};
-    HOST_LOG_FAILURE("Cannot read the key file %s, so no secret can be read or kept: %s",
+    const base::FileFailure failure = {"open", errno, false};
+    BASE_LOG_FAILURE("Cannot read the key file %s, so no secret can be read or kept: %s",
                      path.c_str(), failure.text().c_str());
     return;
   }
@@ -102,7 +102,7 @@ void readKey(const std::string& path, std::string* key, FileMark* mark) {
     fault = "cannot be read whole";
   }
   if (fault != nullptr) {
-    HOST_LOG_FAILURE(
+    BASE_LOG_FAILURE(
         "The key file %s %s, so no secret can be read or kept: mend it, or move it "
         "away to start with a new one (all secrets are lost then)",
         path.c_str(), fault);
@@ -134,11 +134,11 @@ SecretBox::~SecretBox() {
 }
 
 std::shared_ptr<const SecretBox> SecretBox::open() {
-  return openAt(hostPath(kSecretKeyPath), false);
+  return openAt(base::hostPath(kSecretKeyPath), false);
 }
 
 std::shared_ptr<const SecretBox> SecretBox::openOrMake() {
-  return openAt(hostPath(kSecretKeyPath), true);
+  return openAt(base::hostPath(kSecretKeyPath), true);
 }
 
 std::shared_ptr<const SecretBox> SecretBox::openAt(const std::string& path, bool mayMake) {

@@ -11,11 +11,11 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include "base/DryRun.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Run.h"
 #include "graphql_api/GraphQLStorageApi.h"
 #include "platform/fake/FakePlatform.h"
-#include "platform/host/DryRun.h"
 #include "tests/platform/host/TemporaryRoot.h"
 
 namespace bookstore_tests {
@@ -44,8 +44,8 @@ class BookstoreTest : public ::testing::Test {
     fake::reset();
     // As the host's runner does.
     fake::platform().http.beforeSending = [](const std::string& curlCommand) {
-      if (host::isDryRun()) {
-        throw host::DryRun(curlCommand);
+      if (base::isDryRun()) {
+        throw base::DryRun(curlCommand);
       }
     };
   }

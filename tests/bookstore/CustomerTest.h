@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/host/WholeFile.h"
+#include "base/WholeFile.h"
 #include "tests/bookstore/BookstoreTest.h"
 
 namespace bookstore_tests {
@@ -40,7 +40,7 @@ class CustomerTest : public BookstoreTest {
 
   // The command with the password in a file descriptor.
   int runWithPassword(std::vector<std::string> words, const std::string& password = kPassword) {
-    const host::Descriptor descriptor(readable(password));
+    const base::Descriptor descriptor(readable(password));
     words.insert(words.end(), {"--password-fd", std::to_string(descriptor.get())});
     return run(words);
   }

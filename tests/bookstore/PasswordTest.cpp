@@ -25,7 +25,7 @@ class PasswordTest : public ::testing::Test {
   }
 
   std::string readFrom(const std::string& text) {
-    const host::Descriptor descriptor(bookstore_tests::readable(text));
+    const base::Descriptor descriptor(bookstore_tests::readable(text));
     arguments.set("--password-fd", std::to_string(descriptor.get()));
     return read();
   }
@@ -86,13 +86,13 @@ TEST_F(PasswordTest, RefusesTwoSources) {
 }
 
 TEST_F(PasswordTest, RefusesAFileThatIsNoPassword) {
-  const host::Descriptor endless(::open("/dev/zero", O_RDONLY));
+  const base::Descriptor endless(::open("/dev/zero", O_RDONLY));
   arguments.set("--password-fd", std::to_string(endless.get()));
   expectRefused("gives more than a password");
 }
 
 TEST_F(PasswordTest, RefusesATerminalThatWouldShowIt) {
-  const host::Descriptor master(::posix_openpt(O_RDWR | O_NOCTTY));
+  const base::Descriptor master(::posix_openpt(O_RDWR | O_NOCTTY));
   arguments.set("--password-fd", std::to_string(master.get()));
   expectRefused("is a terminal, which would show the password");
 }

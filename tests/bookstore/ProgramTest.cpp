@@ -111,6 +111,14 @@ TEST_F(ProgramTest, PrintsTheRequestOfADryRunAndKeepsNothing) {
   EXPECT_EQ(root.contentOf("/mnt/ext1/system/state/cache/store_list.cfg"), "");
 }
 
+TEST_F(ProgramTest, ReportsAFaultyLogLevelOnceThoughThePlatformReadsItToo) {
+  EXPECT_EQ(shell("ORVANE_LOG_LEVEL=loud $bookstore stores --refresh"), bookstore::kTransferFailed);
+  const std::string fault = "ORVANE_LOG_LEVEL=loud is not";
+  const std::size_t first = printed.find(fault);
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_EQ(printed.find(fault, first + 1), std::string::npos);
+}
+
 TEST_F(ProgramTest, ReportsAStandardOutputThatIsClosed) {
   EXPECT_EQ(shell("$bookstore status >&-"), bookstore::kLocalFailure);
   EXPECT_THAT(printed, HasSubstr("standard output cannot be written: Bad file descriptor"));

@@ -213,7 +213,7 @@ TEST_F(RunTest, DryRunPrintsTheRequestAndChangesNothing) {
 
 TEST_F(RunTest, DryRunEndsWithTheCommand) {
   run({"stores", "--refresh", "--dry-run", "--curl"});
-  EXPECT_FALSE(host::isDryRun());
+  EXPECT_FALSE(base::isDryRun());
   run({"stores", "--refresh"});
   EXPECT_THAT(fake::platform().http.requests, SizeIs(1));
 }
@@ -226,7 +226,7 @@ TEST_F(RunTest, DryRunGivesProgramsADocument) {
 
 TEST_F(RunTest, DryRunMasksSecretsUnlessAsked) {
   const std::vector<Command> table = {{"work", "Sends", Sends::Always, {}, [](Context&) {
-                                         throw host::DryRun("curl -H 'Authorization: Bearer abc'");
+                                         throw base::DryRun("curl -H 'Authorization: Bearer abc'");
                                        }}};
   run({"work", "--dry-run", "--curl"}, table);
   EXPECT_EQ(out, "curl -H 'Authorization: Bearer ***'\n");

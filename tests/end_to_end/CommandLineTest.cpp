@@ -13,7 +13,7 @@
 #include <future>
 #include <thread>
 
-#include "platform/host/WholeFile.h"
+#include "base/WholeFile.h"
 #include "tests/end_to_end/EndToEndTest.h"
 
 using graphql::GraphQLStorageApi;
@@ -230,7 +230,7 @@ TEST_P(CommandLineTest, OfTwoRefreshesAtOnceOneReachesTheStore) {
   std::vector<std::future<Ended>> refreshes;
   {
     // Both have read the token before either can spend it.
-    const host::FileLock lock(lockedPath());
+    const base::FileLock lock(lockedPath());
     for (int count = 0; count < 2; ++count) {
       refreshes.push_back(std::async(std::launch::async, [] { return runQuietly({"refresh"}); }));
     }
@@ -255,7 +255,7 @@ TEST_P(CommandLineTest, ARefreshDoesNotUndoASignOutThatCameFirst) {
   const std::size_t readBefore = logged("Load tokens: ").size();
   std::future<Ended> refresh;
   {
-    const host::FileLock lock(lockedPath());
+    const base::FileLock lock(lockedPath());
     refresh = std::async(std::launch::async, [] { return runQuietly({"refresh"}); });
     waitUntilRead(readBefore + 1);
     state.logoutOnlyFromStore();

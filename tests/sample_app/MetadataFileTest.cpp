@@ -26,7 +26,7 @@ class MetadataFileTest : public SampleAppTest {
     picture.extension = "png";
   }
 
-  host::FileFailure place() {
+  base::FileFailure place() {
     return placeMetadata(root.at(kSample), {"MTAw", kSample}, metadata, picture);
   }
 

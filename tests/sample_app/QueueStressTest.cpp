@@ -19,8 +19,8 @@
 
 #include <gmock/gmock.h>
 
+#include "base/WholeFile.h"
 #include "graphql_api/GraphQLSampleQueue.h"
-#include "platform/host/WholeFile.h"
 
 using graphql::GraphQLSampleQueue;
 using ::testing::SizeIs;
@@ -91,7 +91,7 @@ class QueueStressTest : public ::testing::Test {
   // Looking and removing are two steps: takers keep each other out between them. False when the
   // queue is empty.
   static bool takeOne() {
-    const host::FileLock takers("/tmp/takers");
+    const base::FileLock takers("/tmp/takers");
     const GraphQLSampleQueue::SampleItem item = GraphQLSampleQueue().getNextSample();
     if (item.bookId.empty()) {
       return false;

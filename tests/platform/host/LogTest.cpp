@@ -1,4 +1,4 @@
-#include "platform/host/Log.h"
+#include "base/Log.h"
 
 #include <syslog.h>
 #include <unistd.h>

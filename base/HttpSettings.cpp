@@ -1,11 +1,11 @@
-#include "platform/host/HttpSettings.h"
+#include "base/HttpSettings.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
-namespace host {
+namespace base {
 
 namespace {
 
@@ -42,4 +42,4 @@ HttpSettings readHttpSettings() {
   return result;
 }
 
-}  // namespace host
+}  // namespace base

@@ -1,13 +1,15 @@
-// Lets a program see the request of an operation without sending it. Safe to use from any thread;
-// the switch holds for the whole process.
+// Lets a program see the request of an operation without sending it. The switch holds for the whole
+// process and not for those that it starts: it is the number of the process in an environment
+// variable, so that every copy of this code in the process sees it. Safe to call from any thread
+// that does not run alongside setDryRun() or setenv().
 
-#ifndef PLATFORM_HOST_DRYRUN_H_
-#define PLATFORM_HOST_DRYRUN_H_
+#ifndef BASE_DRYRUN_H_
+#define BASE_DRYRUN_H_
 
 #include <exception>
 #include <string>
 
-namespace host {
+namespace base {
 
 // What HttpRequestRunner::PerformRequest throws during a dry run in place of sending: an exception,
 // so that the operation that built the request ends before it changes any state.
@@ -31,6 +33,6 @@ void setDryRun(bool on);
 // True while requests are not sent.
 bool isDryRun();
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_DRYRUN_H_
+#endif  // BASE_DRYRUN_H_

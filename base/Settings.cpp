@@ -1,4 +1,4 @@
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
 #include <unistd.h>
 
@@ -9,7 +9,7 @@
 #include <mutex>
 #include <set>
 
-namespace host {
+namespace base {
 
 namespace settings {
 const Setting kRoot = {"ORVANE_ROOT", "$XDG_STATE_HOME/orvane, else ~/.local/state/orvane",
@@ -74,7 +74,8 @@ bool parseNumber(const std::string& digits, long long lowest, long long highest,
          *result <= highest;
 }
 
-// A setting is read at every request: its fault is worth one line, not one line each time.
+// A setting is read at every request: its fault is worth one line, not one line each time. Another
+// copy of this code in the process may print the line once more.
 void reportOnce(const Setting& setting, const std::string& value, const std::string& expected) {
   static std::mutex mutex;
   static std::set<std::string> reported;
@@ -153,4 +154,4 @@ std::string hostPath(const std::string& path) {
   return rootFolder() + path;
 }
 
-}  // namespace host
+}  // namespace base

@@ -1,11 +1,11 @@
-#include "platform/host/MaskSecrets.h"
+#include "base/MaskSecrets.h"
 
 #include <strings.h>
 
 #include <algorithm>
 #include <cstring>
 
-namespace host {
+namespace base {
 
 const char kSecretMask[] = "***";
 
@@ -330,4 +330,4 @@ std::string maskSecrets(const std::string& text) {
   return Masker(text).run();
 }
 
-}  // namespace host
+}  // namespace base

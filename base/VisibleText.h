@@ -1,13 +1,13 @@
 // Text that shows every byte: control characters and bytes that are not UTF-8 become escapes. Holds
 // no state; safe from any thread.
 
-#ifndef PLATFORM_HOST_VISIBLETEXT_H_
-#define PLATFORM_HOST_VISIBLETEXT_H_
+#ifndef BASE_VISIBLETEXT_H_
+#define BASE_VISIBLETEXT_H_
 
 #include <cstddef>
 #include <string>
 
-namespace host {
+namespace base {
 
 // The length of the UTF-8 character at `position` in `text`; 0 when there stands a control
 // character or a byte that begins none.
@@ -20,6 +20,6 @@ void appendEscape(char byte, std::string* text);
 // else stays, a backslash too.
 std::string visibleText(const std::string& text);
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_VISIBLETEXT_H_
+#endif  // BASE_VISIBLETEXT_H_

@@ -1,14 +1,14 @@
-// The settings of the development host: environment variables, read anew at each use, so that a
+// The settings of this machine: environment variables, read anew at each use, so that a
 // program can set them before its first call. Safe to call from any thread that does not run
 // alongside setenv().
 
-#ifndef PLATFORM_HOST_SETTINGS_H_
-#define PLATFORM_HOST_SETTINGS_H_
+#ifndef BASE_SETTINGS_H_
+#define BASE_SETTINGS_H_
 
 #include <string>
 #include <vector>
 
-namespace host {
+namespace base {
 
 // One setting: its environment variable, what holds while that is unset or empty, and what it does
 // in one line.
@@ -57,6 +57,6 @@ std::string rootFolder();
 // Where the device path `path`, such as "/mnt/ext1/system", lives on this machine.
 std::string hostPath(const std::string& path);
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_SETTINGS_H_
+#endif  // BASE_SETTINGS_H_

@@ -1,14 +1,14 @@
 // What the settings say about HTTP, for the runner and for the curl command of a request alike.
 // Safe to call from any thread that does not run alongside setenv().
 
-#ifndef PLATFORM_HOST_HTTPSETTINGS_H_
-#define PLATFORM_HOST_HTTPSETTINGS_H_
+#ifndef BASE_HTTPSETTINGS_H_
+#define BASE_HTTPSETTINGS_H_
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
-namespace host {
+namespace base {
 
 struct HttpSettings {
   std::string caFile;                  // empty: the system's authorities
@@ -23,6 +23,6 @@ struct HttpSettings {
 // The settings as they are now.
 HttpSettings readHttpSettings();
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_HTTPSETTINGS_H_
+#endif  // BASE_HTTPSETTINGS_H_

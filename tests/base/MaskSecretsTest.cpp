@@ -1,10 +1,10 @@
-#include "platform/host/MaskSecrets.h"
+#include "base/MaskSecrets.h"
 
 #include <string>
 
 #include <gtest/gtest.h>
 
-using host::maskSecrets;
+using base::maskSecrets;
 
 namespace {
 

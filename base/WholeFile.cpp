@@ -1,4 +1,4 @@
-#include "platform/host/WholeFile.h"
+#include "base/WholeFile.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <system_error>
 
-namespace host {
+namespace base {
 namespace {
 
 FileFailure failed(const char* step) {
@@ -252,4 +252,4 @@ FileFailure placeWholeFile(const std::string& path, const std::string& content, 
   return failure;
 }
 
-}  // namespace host
+}  // namespace base

@@ -1,4 +1,4 @@
-#include "platform/host/Settings.h"
+#include "base/Settings.h"
 
 #include <algorithm>
 #include <fstream>
@@ -24,7 +24,7 @@ std::string page() {
 
 TEST(SettingsTest, ThePageListsEverySettingWithItsDefault) {
   const std::string text = page();
-  for (const host::Setting& setting : host::allSettings()) {
+  for (const base::Setting& setting : base::allSettings()) {
     const std::string fallback = setting.fallback;
     const std::string shown = fallback.empty() ? "none" : "`" + fallback + "`";
     EXPECT_THAT(text, HasSubstr("| `" + std::string(setting.name) + "` | " + shown + " | "));
@@ -33,21 +33,21 @@ TEST(SettingsTest, ThePageListsEverySettingWithItsDefault) {
 
 TEST(SettingsTest, AnEmptySettingCountsAsNotSet) {
   const ScopedSetting setting("ORVANE_HTTP_VERSION", "");
-  EXPECT_EQ(host::text(host::settings::kHttpVersion), "1.1");
+  EXPECT_EQ(base::text(base::settings::kHttpVersion), "1.1");
 }
 
 TEST(SettingsTest, ASettingIsReadAnewEachTime) {
   const ScopedSetting one("ORVANE_HTTP_VERSION", "2");
-  EXPECT_EQ(host::text(host::settings::kHttpVersion), "2");
+  EXPECT_EQ(base::text(base::settings::kHttpVersion), "2");
   const ScopedSetting two("ORVANE_HTTP_VERSION", "1.1");
-  EXPECT_EQ(host::text(host::settings::kHttpVersion), "1.1");
+  EXPECT_EQ(base::text(base::settings::kHttpVersion), "1.1");
 }
 
 TEST(SettingsTest, ANumberThatIsNoneIsReportedOnceAndTheDefaultCounts) {
   testing::internal::CaptureStderr();
   for (const std::string text : {"x", "1x", "-1", "10000000", "x"}) {
     const ScopedSetting setting("ORVANE_CONNECT_TIMEOUT", text);
-    EXPECT_EQ(host::number(host::settings::kConnectTimeoutSeconds, 0, 3600), 10) << text;
+    EXPECT_EQ(base::number(base::settings::kConnectTimeoutSeconds, 0, 3600), 10) << text;
   }
   const std::string reported = testing::internal::GetCapturedStderr();
   EXPECT_THAT(reported, HasSubstr("ORVANE_CONNECT_TIMEOUT=x is not a whole number"));
@@ -58,9 +58,9 @@ TEST(SettingsTest, TheRootIsTheSettingElseTheStateFolder) {
   const ScopedSetting root("ORVANE_ROOT", "/r//");
   const ScopedSetting state("XDG_STATE_HOME", "/state/");
   const ScopedSetting home("HOME", "/home/");
-  EXPECT_EQ(host::hostPath("/mnt"), "/r/mnt");
+  EXPECT_EQ(base::hostPath("/mnt"), "/r/mnt");
   const ScopedSetting noRoot("ORVANE_ROOT", "");
-  EXPECT_EQ(host::hostPath("/mnt"), "/state/orvane/mnt");
+  EXPECT_EQ(base::hostPath("/mnt"), "/state/orvane/mnt");
   const ScopedSetting relativeState("XDG_STATE_HOME", "state");
-  EXPECT_EQ(host::hostPath("/mnt"), "/home/.local/state/orvane/mnt");
+  EXPECT_EQ(base::hostPath("/mnt"), "/home/.local/state/orvane/mnt");
 }

@@ -1,12 +1,12 @@
 // Takes secrets out of text that people read: log lines and printed requests. Holds no state; safe
 // from any thread.
 
-#ifndef PLATFORM_HOST_MASKSECRETS_H_
-#define PLATFORM_HOST_MASKSECRETS_H_
+#ifndef BASE_MASKSECRETS_H_
+#define BASE_MASKSECRETS_H_
 
 #include <string>
 
-namespace host {
+namespace base {
 
 // What stands in place of each secret.
 extern const char kSecretMask[];
@@ -18,6 +18,6 @@ extern const char kSecretMask[];
 // Empty values and null, true and false stay. In doubt it masks too much.
 std::string maskSecrets(const std::string& text);
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_MASKSECRETS_H_
+#endif  // BASE_MASKSECRETS_H_

@@ -1,6 +1,6 @@
-#include "platform/host/VisibleText.h"
+#include "base/VisibleText.h"
 
-namespace host {
+namespace base {
 namespace {
 
 // How long the character is that begins with `first`, if one does.
@@ -73,4 +73,4 @@ std::string visibleText(const std::string& text) {
   return visible;
 }
 
-}  // namespace host
+}  // namespace base

@@ -1,13 +1,13 @@
 // Files that are read and replaced whole: no reader ever sees half of one, and a writer that dies
 // leaves the old one. Holds no state but in its objects; safe from any thread.
 
-#ifndef PLATFORM_HOST_WHOLEFILE_H_
-#define PLATFORM_HOST_WHOLEFILE_H_
+#ifndef BASE_WHOLEFILE_H_
+#define BASE_WHOLEFILE_H_
 
 #include <cstddef>
 #include <string>
 
-namespace host {
+namespace base {
 
 // Owns an open file descriptor; -1 is none.
 class Descriptor {
@@ -61,6 +61,6 @@ enum class Placing { Replace, KeepExisting };
 // what a writer that died has left beside the file goes, too.
 FileFailure placeWholeFile(const std::string& path, const std::string& content, Placing placing);
 
-}  // namespace host
+}  // namespace base
 
-#endif  // PLATFORM_HOST_WHOLEFILE_H_
+#endif  // BASE_WHOLEFILE_H_

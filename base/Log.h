@@ -1,0 +1,20 @@
+// The levels of the device's log, and how programs of this machine log their own failures.
+
+#ifndef BASE_LOG_H_
+#define BASE_LOG_H_
+
+#include <ov_sdk.h>
+
+namespace base {
+
+constexpr int kLogFailure = 2;
+constexpr int kLogInformation = 5;
+
+}  // namespace base
+
+// Logs a failure of our own in printf's manner: what failed, where, and what to try. A
+// macro, because the line names the place of the call.
+#define BASE_LOG_FAILURE(...) \
+  ov_print_log2(::base::kLogFailure, __FILE__, __LINE__, __func__, __VA_ARGS__)
+
+#endif  // BASE_LOG_H_
