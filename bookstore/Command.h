@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "bookstore/Output.h"
+#include "bookstore/terminal/Output.h"
 #include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLStorageApi.h"
 

@@ -1,6 +1,6 @@
 #include "bookstore/Commands.h"
 
-#include "bookstore/Password.h"
+#include "bookstore/commands/Password.h"
 
 namespace bookstore {
 

@@ -5,7 +5,7 @@
 #include "base/Settings.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
-#include "bookstore/Table.h"
+#include "bookstore/terminal/Table.h"
 
 namespace bookstore {
 

@@ -13,8 +13,8 @@
 #include "base/Settings.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
-#include "bookstore/Output.h"
 #include "bookstore/Parser.h"
+#include "bookstore/terminal/Output.h"
 
 namespace bookstore {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "bookstore/Command.h"
-#include "bookstore/Terminal.h"
+#include "bookstore/terminal/Terminal.h"
 
 namespace bookstore {
 

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "bookstore/Failure.h"
-#include "bookstore/Request.h"
+#include "bookstore/commands/Request.h"
 #include "tests/bookstore/BookstoreTest.h"
 
 using bookstore::Command;

@@ -1,0 +1,31 @@
+#include "bookstore/commands/BrowserSession.h"
+
+#include <orvane/utilities/BookStoreVersionProxy.h>
+
+#include "base/Settings.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/Session.h"
+#include "graphql_api/GraphQLHeader.h"
+
+namespace bookstore {
+
+BrowserSession browserSession() {
+  BrowserSession session;
+  ::getBrowserCookies(&session.cookies, &session.url);
+  if (!session.cookies.empty()) {
+    return session;
+  }
+  const int generation = orvane::utilities::BookStoreVersionProxy::storeVersion(false);
+  if (generation != 3) {
+    throw Failure(kNoSession,
+                  "there are no cookies for store generation " + std::to_string(generation),
+                  std::string(base::settings::kStoreVersion.name) + "=3");
+  }
+  if (!::isLoggedIn()) {
+    throw notSignedIn();
+  }
+  throw Failure(kNoSession, "the store that the customer signed in to is not a known one",
+                "bookstore stores --refresh");
+}
+
+}  // namespace bookstore

@@ -1,0 +1,86 @@
+#include <json/json.h>
+
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/BrowserSession.h"
+#include "bookstore/terminal/Table.h"
+
+namespace bookstore {
+
+namespace {
+
+// Programs ask for JSON in two ways.
+std::string formatOf(const Context& context) {
+  const std::string format = context.arguments.text("--format");
+  if (!context.output.isJson()) {
+    return format.empty() ? "table" : format;
+  }
+  if (!format.empty() && format != "json") {
+    throw Failure(kUsage, "--json and --format " + format + " exclude each other", "one of them");
+  }
+  return "json";
+}
+
+void printForPrograms(Output& output, const BrowserSession& session) {
+  Json::Value document;
+  document["url"] = session.url;
+  for (const auto& [name, value] : session.cookies) {
+    document["cookies"][name] = output.secret(value);
+  }
+  output.printJson(document);
+}
+
+void printForPeople(Output& output, const BrowserSession& session) {
+  Table table({"COOKIE", "VALUE"});
+  for (const auto& [name, value] : session.cookies) {
+    table.addRow({name, output.secret(value)});
+  }
+  output.print(table);
+}
+
+// The host in https://user@host:port/path.
+std::string hostOf(const std::string& url) {
+  const std::size_t scheme = url.find("://");
+  const std::size_t start = scheme == std::string::npos ? 0 : scheme + 3;
+  const std::string authority = url.substr(start, url.find_first_of("/?#", start) - start);
+  const std::string hostAndPort = authority.substr(authority.rfind('@') + 1);
+  return hostAndPort.substr(0, hostAndPort.find(':', hostAndPort.rfind(']') + 1));
+}
+
+// A line for this host alone, below /, over TLS only, for the session of the browser.
+std::string cookieFileLine(const std::string& host, const std::string& name,
+                           const std::string& value) {
+  if (value.find_first_of("\t\r\n") != std::string::npos) {
+    throw Failure(kNoData, "the value of the cookie " + name + " does not fit on a line",
+                  "--format json");
+  }
+  return host + "\tFALSE\t/\tTRUE\t0\t" + name + "\t" + value + "\n";
+}
+
+void printCookieFile(Output& output, const BrowserSession& session) {
+  std::string lines = "# Netscape HTTP Cookie File\n";
+  for (const auto& [name, value] : session.cookies) {
+    lines += cookieFileLine(hostOf(session.url), name, value);
+  }
+  output.print(lines);
+}
+
+}  // namespace
+
+void runCookies(Context& context) {
+  const std::string format = formatOf(context);
+  if (format == "netscape" && !context.arguments.has("--show-secrets")) {
+    throw Failure(kUsage, "a cookie file with masked values is of no use",
+                  "--format netscape --show-secrets");
+  }
+  const BrowserSession session = browserSession();
+  if (format == "json") {
+    printForPrograms(context.output, session);
+  } else if (format == "netscape") {
+    printCookieFile(context.output, session);
+  } else {
+    printForPeople(context.output, session);
+  }
+}
+
+}  // namespace bookstore

@@ -1,0 +1,52 @@
+// The commands that tell a store nothing but an e-mail address.
+
+#include <json/json.h>
+
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/CustomerText.h"
+#include "bookstore/commands/Request.h"
+#include "bookstore/commands/StoreChoice.h"
+
+using graphql::GraphQLApi;
+
+namespace bookstore {
+
+void runEmailAvailable(Context& context) {
+  const auto store = chooseStore(context);
+  const std::string email = sendableText(context.arguments, "--email");
+  bool isAvailable = false;
+  const auto error = send(context, store.apiUrl,
+                          [&] { return context.api.isEmailAvailable(store, email, &isAvailable); });
+  if (error != GraphQLApi::Ok) {
+    // Which of the two it was is not for the library's callers to see.
+    throw Failure(kNoData,
+                  store.apiUrl +
+                      " answered with a status other than 200 or without a word"
+                      " about the address",
+                  "run it again with -v to see the answer");
+  }
+
+  Json::Value document;
+  document["email"] = email;
+  document["available"] = isAvailable;
+  document["store"] = store.providerID;
+  context.output.printResult(
+      email + (isAvailable ? " can be registered at " : " is taken at ") + nameOf(store), document);
+}
+
+void runResetPassword(Context& context) {
+  const auto store = chooseStore(context);
+  const std::string email = sendableText(context.arguments, "--email");
+  throwIfFailed(
+      send(context, store.apiUrl, [&] { return context.api.resetPassword(store, email); }),
+      store.apiUrl);
+
+  Json::Value document;
+  document["email"] = email;
+  document["store"] = store.providerID;
+  // No more: a refusal without a message looks the same to the library's callers.
+  context.output.printResult(nameOf(store) + " was asked to mail a link to " + email, document);
+}
+
+}  // namespace bookstore

@@ -1,0 +1,106 @@
+#include <sstream>
+
+#include <json/json.h>
+
+#include "base/HttpSettings.h"
+#include "base/Settings.h"
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/Browser.h"
+#include "bookstore/commands/BrowserSession.h"
+
+namespace bookstore {
+
+namespace {
+
+// The fields of HOST:PORT:TO-HOST:TO-PORT; other than four where they cannot be told apart.
+std::vector<std::string> fieldsOf(const std::string& entry) {
+  std::vector<std::string> fields;
+  std::istringstream in(entry + ":");
+  for (std::string field; std::getline(in, field, ':');) {
+    fields.push_back(field);
+  }
+  return fields;
+}
+
+// The browser's rule for one entry of the setting; empty when it has none like that.
+std::string resolverRule(const std::string& entry) {
+  const std::vector<std::string> fields = fieldsOf(entry);
+  if (fields.size() != 4 || fields[2].empty()) {
+    return "";
+  }
+  const auto withPort = [](const std::string& host, const std::string& port) {
+    return port.empty() ? host : host + ":" + port;
+  };
+  return "MAP " + withPort(fields[0].empty() ? "*" : fields[0], fields[1]) + " " +
+         withPort(fields[2], fields[3]);
+}
+
+// What a browser can take of the host's settings; says what it cannot.
+std::vector<std::string> browserOptions(Output& output) {
+  const base::HttpSettings settings = base::readHttpSettings();
+  std::string rules;
+  for (const std::string& entry : settings.connectTo) {
+    const std::string rule = resolverRule(entry);
+    if (rule.empty()) {
+      output.note("the browser knows nothing like " + entry + " of ORVANE_CONNECT_TO");
+    } else {
+      rules += (rules.empty() ? "" : ", ") + rule;
+    }
+  }
+  if (!settings.caFile.empty()) {
+    output.note("the browser does not take ORVANE_CA_FILE: it may warn of the certificate");
+  }
+  if (!settings.pinnedKey.empty()) {
+    output.note("the browser does not take ORVANE_PINNED_KEY: it takes any trusted key");
+  }
+  return rules.empty() ? std::vector<std::string>()
+                       : std::vector<std::string>{"--host-resolver-rules=" + rules};
+}
+
+void signIn(Browser& browser, const BrowserSession& session) {
+  Json::Value parameters;
+  for (const auto& [name, value] : session.cookies) {
+    Json::Value cookie;
+    cookie["name"] = name;
+    cookie["value"] = value;
+    cookie["url"] = session.url;
+    cookie["path"] = "/";
+    cookie["secure"] = true;
+    parameters["cookies"].append(cookie);
+  }
+  browser.call("Storage.setCookies", parameters);
+}
+
+void show(Browser& browser, const std::string& url) {
+  Json::Value parameters;
+  parameters["url"] = url;
+  browser.call("Target.createTarget", parameters);
+}
+
+}  // namespace
+
+void runOpen(Context& context) {
+  const BrowserSession session = browserSession();
+  const std::string program = findBrowser();
+  if (program.empty()) {
+    throw Failure(kLocalFailure,
+                  "no browser of the Chromium family is in PATH to open " + session.url,
+                  "another browser, with the cookies that `bookstore cookies --format netscape "
+                  "--show-secrets` prints");
+  }
+  {
+    Browser browser(program, browserOptions(context.output));
+    signIn(browser, session);
+    show(browser, session.url);
+    context.output.note("waiting until the browser is closed");
+    browser.waitUntilClosed();
+  }
+
+  Json::Value document;
+  document["url"] = session.url;
+  document["browser"] = program;
+  context.output.printResult("Closed: " + program + " showed " + session.url, document);
+}
+
+}  // namespace bookstore

@@ -1,0 +1,79 @@
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include <json/json.h>
+
+#include "base/Settings.h"
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/SampleQueue.h"
+#include "bookstore/commands/SampleText.h"
+#include "graphql_api/GraphQLHeader.h"
+#include "sample_app/SamplePath.h"
+
+namespace bookstore {
+
+namespace {
+
+// The path that the library starts.
+const char kApplicationOnDevice[] = "/ombrel/bin/graphql_sample_metadata.app";
+
+// What a worker would only set aside is not queued.
+void requireUsablePath(const std::string& devicePath) {
+  const sample_app::SamplePath sample = sample_app::locateSample(devicePath);
+  if (!sample.isUsable()) {
+    throw Failure(kUsage, "nothing was queued: " + sample.problem,
+                  "a path on the device, such as /mnt/ext1/NAME, in a folder that is there below " +
+                      base::rootFolder());
+  }
+}
+
+bool isInstalled(const std::string& application) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(application, error) &&
+         ::access(application.c_str(), X_OK) == 0;
+}
+
+bool isQueued(const SampleItem& wanted) {
+  const std::vector<SampleItem> items = queuedSamples();
+  return std::any_of(items.begin(), items.end(),
+                     [&](const SampleItem& item) { return sample_app::isSame(item, wanted); });
+}
+
+void requireQueued(const SampleItem& item) {
+  if (!isQueued(item)) {
+    throw Failure(kLocalFailure, "the sample is not in the queue, /tmp/sample.queue",
+                  "see the log lines above, and whether /tmp has room");
+  }
+}
+
+}  // namespace
+
+void runSampleAdd(Context& context) {
+  const SampleItem item = {bookIdOf(context.arguments), context.arguments.text("FILE")};
+  requireUsablePath(item.sampleFilePath);
+  const std::string application = base::hostPath(kApplicationOnDevice);
+  const bool hasApplication = isInstalled(application);
+  queuedSamples();  // the library tells nobody that it cannot lock the queue
+  addSample(item.bookId.c_str(), item.sampleFilePath.c_str());
+  if (!hasApplication) {
+    requireQueued(item);  // with an application it may be gone again already
+    context.output.note("nothing works on the queue: there is no program at " + application +
+                        "; try: put the application there, or bookstore sample work");
+  }
+  if (!context.storage->isLoggedIn()) {
+    context.output.note(
+        "nobody is signed in, so the sample waits; try: bookstore sign-in, then bookstore sample "
+        "work");
+  }
+
+  Json::Value document = toJson(item);
+  document["applicationInstalled"] = hasApplication;
+  context.output.printResult(
+      "Queued the sample of the book " + item.bookId + " for " + item.sampleFilePath, document);
+}
+
+}  // namespace bookstore

@@ -1,0 +1,73 @@
+#include <json/json.h>
+
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/CustomerText.h"
+#include "bookstore/commands/Password.h"
+#include "bookstore/commands/Request.h"
+#include "bookstore/commands/Session.h"
+#include "bookstore/commands/StoreChoice.h"
+
+using graphql::GraphQLStorageApi;
+
+namespace bookstore {
+
+namespace {
+
+constexpr int kUnauthorized = 401;
+
+Failure refusal(const std::string& what) {
+  return Failure(kStoreRefused, what + remainingSession(),
+                 "check address and password; where these are right, bookstore stores --refresh");
+}
+
+// Of an answer with this status the library passes on a number alone, where there is one.
+Failure unauthorized(const std::string& url, int code) {
+  return refusal(url + " refused the sign-in with HTTP status 401" +
+                 (code == 0 ? "" : " and code " + std::to_string(code)));
+}
+
+Failure refused(const std::string& url, const std::string& message) {
+  return refusal(url + " refused the sign-in" +
+                 (message.empty() ? ", and gave no reason" : ": " + message));
+}
+
+GraphQLStorageApi::LoginInfo signIn(const Context& context,
+                                    const GraphQLStorageApi::StoreInfo& store,
+                                    const std::string& email, const std::string& password) {
+  const FailureListener listener(context.api);
+  GraphQLStorageApi::LoginInfo login =
+      waitFor(context, [&] { return context.api.auth(store, email, password); });
+  if (listener.heardOfStatus(kUnauthorized)) {
+    throw unauthorized(store.apiUrl, login.errorInfo.error);
+  }
+  try {
+    listener.throwIfAny(store.apiUrl);
+  } catch (const Failure& failure) {
+    throw Failure(failure.code(), failure.what() + remainingSession(), failure.remedy());
+  }
+  if (login.accessToken.empty()) {  // `error` 0 does not tell that the sign-in went well
+    throw refused(store.apiUrl, login.errorInfo.message);
+  }
+  return login;
+}
+
+}  // namespace
+
+void runSignIn(Context& context) {
+  const auto store = chooseStore(context);
+  const std::string email = sendableText(context.arguments, "--email");
+  const std::string password = readPassword(context.arguments, PasswordKind::Known);
+
+  const SessionLock lock(context);
+  const auto login = signIn(context, store, email, password);
+  requireTokensSaved(store.apiUrl + " signed " + email + " in", login.accessToken,
+                     login.refreshToken);
+
+  Json::Value document;
+  document["email"] = email;
+  document["store"] = store.providerID;
+  context.output.printResult("Signed in as " + email + " at " + nameOf(store), document);
+}
+
+}  // namespace bookstore

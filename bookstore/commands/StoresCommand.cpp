@@ -1,0 +1,118 @@
+#include <json/json.h>
+
+#include "bookstore/Commands.h"
+#include "bookstore/Failure.h"
+#include "bookstore/commands/DeviceFiles.h"
+#include "bookstore/commands/Request.h"
+#include "bookstore/terminal/Table.h"
+
+using graphql::GraphQLStorageApi;
+
+namespace bookstore {
+
+namespace {
+
+using StoreInfo = GraphQLStorageApi::StoreInfo;
+using StoreInfoList = GraphQLStorageApi::StoreInfoList;
+
+// The members have the server's names.
+Json::Value toJson(const StoreInfo& store) {
+  Json::Value value;
+  value["storeName"] = store.storeName;
+  value["url"] = store.url;
+  value["apiUrl"] = store.apiUrl;
+  value["language"] = store.language;
+  value["langCode"] = store.langCode;
+  value["storeCode"] = store.storeCode;
+  value["status"] = store.status;
+  value["integrationToken"] = store.integrationToken;
+  value["providerID"] = store.providerID;
+  value["currency"] = store.currency;
+  return value;
+}
+
+// What a file can be expected to give back: records without an address are dropped when it is read.
+Json::Value keptRecords(const StoreInfoList& stores) {
+  Json::Value kept(Json::arrayValue);
+  for (const StoreInfo& store : stores) {
+    if (store.isValid()) {
+      kept.append(toJson(store));
+    }
+  }
+  return kept;
+}
+
+// The library does not learn whether a file was written; reading it again tells.
+void requireSaved(const StoreInfoList& stores) {
+  if (keptRecords(GraphQLStorageApi().storesList()) != keptRecords(stores)) {
+    throw Failure(kLocalFailure,
+                  "the stores arrived, but " + storeListFile() + " does not hold them",
+                  "see the log lines above, and whether that folder can be written and has room");
+  }
+}
+
+StoreInfoList askForStores(Context& context) {
+  const std::string url = context.api.getGraphQLUrl();
+  StoreInfoList stores = send(context, url, [&] { return context.api.getStores(); });
+  requireSaved(stores);
+  if (stores.empty()) {
+    // Which of the two it was is not for the library's callers to see.
+    throw Failure(kNoData,
+                  url + " answered without a list of stores, or with no open store in it; " +
+                      "the list in " + storeListFile() + " is empty now",
+                  "run it again with -v to see the answer");
+  }
+  return stores;
+}
+
+StoreInfoList readStores(const Context& context) {
+  StoreInfoList stores = context.storage->storesList();
+  if (stores.empty()) {
+    throw noStoreKnown();
+  }
+  return stores;
+}
+
+// The position of the current store; no position of the list when there is none.
+std::size_t currentPosition(const GraphQLStorageApi& storage) {
+  return storage.currentStore().isValid() ? static_cast<std::size_t>(storage.currentStoreIndex())
+                                          : storage.storesList().size();
+}
+
+void printForPrograms(Context& context, const StoreInfoList& stores) {
+  Json::Value document;
+  document["stores"] = Json::arrayValue;
+  const std::size_t current = currentPosition(*context.storage);
+  for (std::size_t position = 0; position < stores.size(); ++position) {
+    Json::Value value = toJson(stores[position]);
+    value["integrationToken"] = context.output.secret(stores[position].integrationToken);
+    value["current"] = position == current;
+    document["stores"].append(value);
+  }
+  context.output.printJson(document);
+}
+
+void printForPeople(Context& context, const StoreInfoList& stores) {
+  Table table({" ", "ID", "CODE", "NAME", "LANGUAGE", "CURRENCY", "ADDRESS"});
+  const std::size_t current = currentPosition(*context.storage);
+  for (std::size_t position = 0; position < stores.size(); ++position) {
+    const StoreInfo& store = stores[position];
+    table.addRow({position == current ? "*" : " ", store.providerID, store.storeCode,
+                  store.storeName, store.language, store.currency, store.url});
+  }
+  context.output.print(table);
+}
+
+}  // namespace
+
+void runStores(Context& context) {
+  const StoreInfoList stores =
+      context.arguments.has("--refresh") ? askForStores(context) : readStores(context);
+  if (context.output.isJson()) {
+    printForPrograms(context, stores);
+  } else {
+    printForPeople(context, stores);
+  }
+}
+
+}  // namespace bookstore

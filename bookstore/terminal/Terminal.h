@@ -1,0 +1,25 @@
+// Where the program writes, and what a person's terminal there can show. Used by one thread.
+
+#ifndef BOOKSTORE_TERMINAL_TERMINAL_H_
+#define BOOKSTORE_TERMINAL_TERMINAL_H_
+
+#include <ostream>
+
+namespace bookstore {
+
+struct Terminal {
+  std::ostream& out;  // data
+  std::ostream& err;  // messages
+  bool outIsTerminal;
+  bool errIsTerminal;
+};
+
+// True when the terminal moves its cursor where it is told: TERM is set and not "dumb".
+bool movesCursor();
+
+// True when the person wants colour: the terminal can, and NO_COLOR is unset or empty.
+bool wantsColor();
+
+}  // namespace bookstore
+
+#endif  // BOOKSTORE_TERMINAL_TERMINAL_H_
