@@ -25,8 +25,8 @@ export const cases = [
   { operation: 'profile', connection: 'kept', authorities: 'own', limit: 1.35, count: 300 },
   { operation: 'sample-metadata', connection: 'kept', authorities: 'own', limit: 1.3, count: 300 },
   { operation: 'queue-add', items: 10, limit: 1.2, count: 1000 },
-  { operation: 'queue-add', items: 1000, limit: 1.5, count: 300 },
-  { operation: 'queue-add', items: 10000, limit: 1.5, count: 50 },
+  { operation: 'queue-add', items: 1000, limit: 2.0, count: 300 },
+  { operation: 'queue-add', items: 10000, limit: 2.5, count: 50 },
 ];
 
 export const nameOf = ({ operation, connection, authorities, items }) =>

@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <sstream>
+#include <istream>
+#include <ostream>
+#include <streambuf>
+#include <utility>
 
 #include <orvane/utilities/SerializationUtils.h>
 
@@ -100,6 +103,54 @@ class QueueFile {
   const int descriptor_;
 };
 
+// Streams over strings, which string streams would copy: a long queue takes a megabyte.
+
+// Reads bytes in memory.
+class InputBuffer : public std::streambuf {
+ public:
+  void setBytes(std::string&& bytes) {
+    bytes_ = std::move(bytes);
+    setg(&bytes_[0], &bytes_[0], &bytes_[0] + bytes_.size());
+  }
+
+ protected:
+  // Decoders may look for their position and move it, as they may in a file.
+  pos_type seekoff(off_type offset, std::ios_base::seekdir from,
+                   std::ios_base::openmode which) override {
+    const off_type base = from == std::ios_base::beg   ? 0
+                          : from == std::ios_base::cur ? gptr() - eback()
+                                                       : egptr() - eback();
+    return seekpos(base + offset, which);
+  }
+  pos_type seekpos(pos_type position, std::ios_base::openmode) override {
+    const off_type offset = position;
+    if (offset < 0 || offset > egptr() - eback()) {
+      return {off_type{-1}};
+    }
+    setg(eback(), eback() + offset, egptr());
+    return position;
+  }
+
+ private:
+  std::string bytes_;
+};
+
+// Appends what is written.
+class OutputBuffer : public std::streambuf {
+ public:
+  std::string bytes;
+
+ protected:
+  int_type overflow(int_type byte) override {
+    bytes += traits_type::to_char_type(byte);
+    return byte;
+  }
+  std::streamsize xsputn(const char* text, std::streamsize count) override {
+    bytes.append(text, static_cast<std::size_t>(count));
+    return count;
+  }
+};
+
 // The content of the queue file as a stream, which has failed when the file cannot be read.
 class QueueReader {
  public:
@@ -110,7 +161,7 @@ class QueueReader {
     std::string bytes;
     if (file.isOpen() && file.readAll(&bytes)) {
       mayBeRewritten_ = true;
-      stream_.str(bytes);
+      buffer_.setBytes(std::move(bytes));
     } else {
       stream_.setstate(std::ios::failbit);
     }
@@ -120,7 +171,8 @@ class QueueReader {
   bool mayBeRewritten() const { return mayBeRewritten_; }
 
  private:
-  std::istringstream stream_;
+  InputBuffer buffer_;
+  std::istream stream_{&buffer_};
   bool mayBeRewritten_;
 };
 
@@ -130,7 +182,7 @@ bool readItems(GraphQLSampleQueue& queue, std::vector<GraphQLSampleQueue::Sample
   QueueReader reader;
   std::istream& in = reader.stream();
   GraphQLSampleQueue::SampleItem item;
-  while (in && in.peek() != std::istream::traits_type::eof()) {
+  while (in && in.rdbuf()->sgetc() != std::istream::traits_type::eof()) {
     const std::streamsize left = in.rdbuf()->in_avail();
     const int err = queue.deserializeSampleItem(in, &item);
     items->push_back(item);
@@ -142,20 +194,29 @@ bool readItems(GraphQLSampleQueue& queue, std::vector<GraphQLSampleQueue::Sample
   return reader.mayBeRewritten();
 }
 
+// More than an encoding needs for its two texts, so that the buffer does not have to grow.
+std::size_t mostEncodedBytes(const std::vector<GraphQLSampleQueue::SampleItem>& items) {
+  std::size_t size = 0;
+  for (const auto& item : items) {
+    size += item.bookId.size() + item.sampleFilePath.size() + 16;
+  }
+  return size;
+}
+
 // The encoded items, one after the other, without those that cannot be encoded.
 std::string encode(GraphQLSampleQueue& queue,
                    const std::vector<GraphQLSampleQueue::SampleItem>& items) {
-  std::ostringstream encoded;
+  OutputBuffer buffer;
+  buffer.bytes.reserve(mostEncodedBytes(items));
+  std::ostream out(&buffer);
   for (const auto& item : items) {
-    const auto begin = encoded.tellp();
-    if (queue.serializeSampleItem(item, encoded) != 0) {
-      encoded.clear();
-      encoded.seekp(begin);
+    const std::size_t begin = buffer.bytes.size();
+    if (queue.serializeSampleItem(item, out) != 0) {
+      out.clear();
+      buffer.bytes.resize(begin);
     }
   }
-  std::string bytes = encoded.str();
-  bytes.resize(static_cast<std::size_t>(encoded.tellp()));
-  return bytes;
+  return std::move(buffer.bytes);
 }
 
 }  // namespace

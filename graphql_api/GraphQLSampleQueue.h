@@ -12,13 +12,16 @@
 namespace graphql {
 
 // The whole interface to the queue file /tmp/sample.queue, which holds the items one after the
-// other, oldest first. The file is rewritten whole by every change; a process that is killed in
-// that moment can leave it short.
+// other, oldest first. The file is rewritten whole by every change: the new content is complete in
+// memory before the file is truncated, and is then written at once.
 //
 // A member that takes the lock waits as long as another object holds it, and drops it before it
-// returns. Failures of the file itself are not reported: a file that cannot be read is an empty
-// queue. A damaged item is logged; the items before it are kept. No member throws an exception of
-// its own; what the platform's string encoding throws reaches the caller, the lock dropped.
+// returns. Failures of the file itself are not reported. A file that exists but cannot be read is
+// left unchanged; to the caller it is an empty queue. So is an empty device in its place. Items can
+// only be lost by the write that follows the truncation: when the process is killed there, or when
+// the disk is full or fails. A damaged item is logged; the items before it are kept. No member
+// throws an exception of its own; what the platform's string encoding throws reaches the caller,
+// the lock dropped and the file unchanged.
 //
 // The first program that locks the file creates it, with the permissions that its umask leaves.
 // Programs of several users share the queue when the owner of /tmp creates it at start-up with mode
@@ -49,20 +52,23 @@ class GraphQLSampleQueue {
   int unlockSampleQueueFile();
 
   // Appends an item; the same book may stand in the queue several times. Copies both texts. Does
-  // nothing when the lock cannot be taken, which is logged.
+  // nothing when the lock cannot be taken, which is logged, or when the file cannot be read, which
+  // is not.
   void addSample(const std::string& bookId, const std::string& sampleFilePath);
 
   // Removes the oldest item with exactly this `bookId` and rewrites the file, also when there is
-  // none. Goes on without the lock when that cannot be taken. Returns 1.
+  // none. Goes on without the lock when that cannot be taken; does nothing when the file cannot be
+  // read. Returns 1.
   int removeSample(const std::string& bookId);
 
   // The oldest item, which stays in the queue; an item with both texts empty when the queue is
-  // empty. Of a damaged item what could be read. Goes on without the lock when that cannot be
-  // taken.
+  // empty, or cannot be read, which is logged like a damaged item. Of a damaged item what could be
+  // read. Goes on without the lock when that cannot be taken.
   SampleItem getNextSample();
 
   // Replaces the content of the file by `items`, without taking the lock. An item that cannot be
-  // encoded is logged and left out. Returns 0.
+  // encoded is logged and left out. When the file cannot be opened for writing it stays unchanged,
+  // and every item is logged. Returns 0.
   int serializeSampleItems(const std::vector<SampleItem>& items);
 
   // Appends every item of the file to `*items`, without taking the lock. Of a damaged item what

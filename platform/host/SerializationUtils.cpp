@@ -20,6 +20,11 @@ bool readBytes(std::streambuf& in, char* bytes, std::size_t length) {
   return in.sgetn(bytes, count) == count;
 }
 
+bool writeBytes(std::streambuf& out, const char* bytes, std::size_t length) {
+  const auto count = static_cast<std::streamsize>(length);
+  return out.sputn(bytes, count) == count;
+}
+
 bool readString(std::streambuf& in, std::string* text) {
   host::LengthPrefix prefix;
   for (char& byte : prefix) {
@@ -55,9 +60,12 @@ int SerializationUtils::SerializeString(std::string const& value, std::ostream& 
   if (!host::encodeLength(value.size(), &prefix)) {
     return -1;
   }
-  out.write(prefix.data(), static_cast<std::streamsize>(prefix.size()));
-  out.write(value.data(), static_cast<std::streamsize>(value.size()));
-  return out ? 0 : -1;
+  if (!out || !writeBytes(*out.rdbuf(), prefix.data(), prefix.size()) ||
+      !writeBytes(*out.rdbuf(), value.data(), value.size())) {
+    out.setstate(std::ios::badbit);
+    return -1;
+  }
+  return 0;
 }
 
 int SerializationUtils::DeserializeString(std::istream& in, std::string* value) {
