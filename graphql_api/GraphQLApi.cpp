@@ -1,11 +1,6 @@
 #include "graphql_api/GraphQLApi.h"
 
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
-#include <limits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -14,9 +9,9 @@
 #include <orvane/utilities/HttpRequestRunner.h>
 #include <orvane/utilities/Str.h>
 
-#include "graphql_api/GraphQLHeader.h"
 #include "graphql_api/JsonText.h"
 #include "graphql_api/Log.h"
+#include "graphql_api/Price.h"
 #include "graphql_api/Text.h"
 
 using orvane::utilities::HttpRequest;
@@ -144,13 +139,6 @@ std::string GraphQLApi::getGraphQLUrl() const {
 
 void GraphQLApi::setErrorCb(ErrorCallback callback) {
   errorCb.swap(callback);
-}
-
-void GraphQLApi::addGraphQLHeaders(HttpRequest& request, const GraphQLStorageApi::StoreInfo& store,
-                                   GraphQLStorageApi::TokenType type) {
-  for (const auto& header : graphQLHeaders(storage, store, type)) {
-    request.AddHeader(header.first, header.second);
-  }
 }
 
 std::string GraphQLApi::getErrorMessage(Json::Value& response) {
@@ -501,7 +489,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::
     return answer.errorInfo();
   }
   // Unlike everywhere else before the log: a message that is not a text leaves no line there.
-  const GraphQLStorageApi::ErrorInfo info = makeErrorInfo(answer.root);
+  GraphQLStorageApi::ErrorInfo info = makeErrorInfo(answer.root);
   logResponse(operation.signature, "Create account responce: [%s]", answer.root);
   return info;
 }
@@ -601,21 +589,6 @@ void readDescription(const Json::Value& product, const GraphQLStorageApi::StoreI
   metadata->thumbnailUrl = readThumbnailUrl(product);
 }
 
-// strtod() as in the "C" locale, whatever the locale of the process.
-double leadingNumber(const std::string& text) {
-  static const locale_t classic = ::newlocale(LC_ALL_MASK, "C", nullptr);
-  return ::strtod_l(text.c_str(), nullptr, classic);
-}
-
-int clampedToInt(double value) {
-  using Limits = std::numeric_limits<int>;
-  if (std::isnan(value)) {
-    return 0;
-  }
-  const double upTo = std::min<double>(value, Limits::max());
-  return static_cast<int>(std::max<double>(upTo, Limits::min()));
-}
-
 }  // namespace
 
 // What both sample operations read; `readMore` reads the rest of the product, if it is set.
@@ -681,20 +654,7 @@ void GraphQLApi::fillSamplePrice(SampleMetadata& metadata, Json::Value& priceRan
 }
 
 std::string GraphQLApi::normalizePrice(const std::string& amount) {
-  if (amount.empty()) {
-    return "0.00";
-  }
-  std::string text = amount;
-  const std::size_t comma = text.find(',');
-  if (comma != std::string::npos) {
-    text[comma] = '.';
-  } else if (text.find('.') == std::string::npos) {
-    return text + ".00";
-  }
-  const int cents = clampedToInt(std::round(leadingNumber(text) * 100.0));
-  char price[24];
-  std::snprintf(price, sizeof price, "%d.%02d", cents / 100, cents % 100);
-  return price;
+  return withTwoDecimals(amount);
 }
 
 }  // namespace graphql

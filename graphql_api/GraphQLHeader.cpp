@@ -6,6 +6,7 @@
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
+#include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "graphql_api/Log.h"
 #include "graphql_api/Text.h"
@@ -103,6 +104,14 @@ std::map<std::string, std::string> graphQLHeaders(const std::shared_ptr<GraphQLS
                                                   const GraphQLStorageApi::StoreInfo& store,
                                                   GraphQLStorageApi::TokenType type) {
   return requestHeaders(storage.get(), store, type);
+}
+
+void GraphQLApi::addGraphQLHeaders(orvane::utilities::HttpRequest& request,
+                                   const GraphQLStorageApi::StoreInfo& store,
+                                   GraphQLStorageApi::TokenType type) {
+  for (const auto& header : graphQLHeaders(storage, store, type)) {
+    request.AddHeader(header.first, header.second);
+  }
 }
 
 // --- The browser --------------------------------------------------------------------------------

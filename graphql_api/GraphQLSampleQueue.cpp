@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <istream>
 #include <ostream>
+#include <sstream>
 #include <streambuf>
 #include <utility>
 
@@ -103,39 +103,7 @@ class QueueFile {
   const int descriptor_;
 };
 
-// Streams over strings, which string streams would copy: a long queue takes a megabyte.
-
-// Reads bytes in memory.
-class InputBuffer : public std::streambuf {
- public:
-  void setBytes(std::string&& bytes) {
-    bytes_ = std::move(bytes);
-    setg(&bytes_[0], &bytes_[0], &bytes_[0] + bytes_.size());
-  }
-
- protected:
-  // Decoders may look for their position and move it, as they may in a file.
-  pos_type seekoff(off_type offset, std::ios_base::seekdir from,
-                   std::ios_base::openmode which) override {
-    const off_type base = from == std::ios_base::beg   ? 0
-                          : from == std::ios_base::cur ? gptr() - eback()
-                                                       : egptr() - eback();
-    return seekpos(base + offset, which);
-  }
-  pos_type seekpos(pos_type position, std::ios_base::openmode) override {
-    const off_type offset = position;
-    if (offset < 0 || offset > egptr() - eback()) {
-      return {off_type{-1}};
-    }
-    setg(eback(), eback() + offset, egptr());
-    return position;
-  }
-
- private:
-  std::string bytes_;
-};
-
-// Appends what is written.
+// Appends what is written to a string, which a string stream would copy.
 class OutputBuffer : public std::streambuf {
  public:
   std::string bytes;
@@ -161,7 +129,7 @@ class QueueReader {
     std::string bytes;
     if (file.isOpen() && file.readAll(&bytes)) {
       mayBeRewritten_ = true;
-      buffer_.setBytes(std::move(bytes));
+      stream_.str(bytes);
     } else {
       stream_.setstate(std::ios::failbit);
     }
@@ -171,8 +139,7 @@ class QueueReader {
   bool mayBeRewritten() const { return mayBeRewritten_; }
 
  private:
-  InputBuffer buffer_;
-  std::istream stream_{&buffer_};
+  std::istringstream stream_;
   bool mayBeRewritten_;
 };
 

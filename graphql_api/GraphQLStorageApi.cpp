@@ -4,10 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <numeric>
+#include <set>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 #include <orvane/utilities/CfgWrapper.h>
@@ -101,23 +100,23 @@ GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int in
 
 // The indices of the records to read. Beyond kMostWalkedRecords these are the ones with a web
 // address, without which no record is kept.
-std::vector<unsigned int> recordIndices(const CfgWrapper& config, unsigned int count) {
-  std::vector<unsigned int> indices;
+std::set<unsigned int> recordIndices(const CfgWrapper& config, unsigned int count) {
+  std::set<unsigned int> indices;
   if (count <= kMostWalkedRecords) {
-    indices.resize(count);
-    std::iota(indices.begin(), indices.end(), 0U);
+    for (unsigned int index = 0; index < count; ++index) {
+      indices.insert(indices.end(), index);
+    }
     return indices;
   }
   const std::string_view name = "url";
   for (const std::string& key : config.keys()) {
     if (key.compare(0, name.size(), name) == 0) {
       const unsigned long long index = std::strtoull(key.c_str() + name.size(), nullptr, 10);
-      if (index < count && key == joined({name, decimal(static_cast<long long>(index))})) {
-        indices.push_back(static_cast<unsigned int>(index));
+      if (index < count) {
+        indices.insert(static_cast<unsigned int>(index));
       }
     }
   }
-  std::sort(indices.begin(), indices.end());  // the order of the keys is that of texts
   return indices;
 }
 
