@@ -55,6 +55,24 @@ install_packages() {
   fi
 }
 
+# Installs the node modules of a folder, unless its lock file is the one that they were installed
+# from. Several calls at once work one after the other.
+install_node_modules() {
+  local folder=$1
+  mkdir -p "$build_folder"
+  (
+    flock 8
+    stamp=$folder/node_modules/.installed-lock
+    lock_digest=$(sha256sum <"$folder/package-lock.json")
+    [[ -f $stamp && $(<"$stamp") == "$lock_digest" ]] && exit
+    command -v npm >/dev/null || fail "npm is missing; install it: apt-get install npm"
+    echo "Installing the node modules of $folder" >&2
+    (cd "$folder" && npm ci --ignore-scripts --no-audit --no-fund >&2) ||
+      fail "npm ci failed; see its output above"
+    printf '%s\n' "$lock_digest" >"$stamp"
+  ) 8>"$build_folder/node-modules.lock"
+}
+
 # Configures and builds one preset, all of it or the targets named after it.
 build_preset() {
   local preset=$1
