@@ -7,8 +7,20 @@ const kSystemAuthorities = '/etc/ssl/certs/ca-certificates.crt';
 
 async function makeKeyPair(folder, name, parameters) {
   await run('openssl', [
-    'req', '-x509', '-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes', '-days', '2',
-    '-keyout', join(folder, `${name}.key`), '-out', join(folder, `${name}.pem`), ...parameters,
+    'req',
+    '-x509',
+    '-newkey',
+    'ec',
+    '-pkeyopt',
+    'ec_paramgen_curve:P-256',
+    '-nodes',
+    '-days',
+    '2',
+    '-keyout',
+    join(folder, `${name}.key`),
+    '-out',
+    join(folder, `${name}.pem`),
+    ...parameters,
   ]);
 }
 
@@ -18,9 +30,16 @@ export async function makeCertificates(folder, host) {
   const path = (name) => join(folder, name);
   await makeKeyPair(folder, 'authority', ['-subj', '/CN=Benchmark authority']);
   await makeKeyPair(folder, 'server', [
-    '-subj', `/CN=${host}`, '-addext', `subjectAltName=DNS:${host}`,
-    '-addext', 'basicConstraints=critical,CA:FALSE',
-    '-CA', path('authority.pem'), '-CAkey', path('authority.key'),
+    '-subj',
+    `/CN=${host}`,
+    '-addext',
+    `subjectAltName=DNS:${host}`,
+    '-addext',
+    'basicConstraints=critical,CA:FALSE',
+    '-CA',
+    path('authority.pem'),
+    '-CAkey',
+    path('authority.key'),
   ]);
   if (!existsSync(kSystemAuthorities)) {
     throw new Error(`${kSystemAuthorities} is missing; install the package ca-certificates`);

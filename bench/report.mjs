@@ -7,29 +7,45 @@ const microseconds = (nanoseconds) => (nanoseconds / 1000).toFixed(1);
 
 function printTable(header, rows) {
   const widths = header.map((title, column) =>
-    Math.max(title.length, ...rows.map((row) => row[column].length)));
+    Math.max(title.length, ...rows.map((row) => row[column].length)),
+  );
   for (const row of [header, ...rows]) {
     const cells = row.map((cell, column) =>
-      column === 0 ? cell.padEnd(widths[column]) : cell.padStart(widths[column]));
+      column === 0 ? cell.padEnd(widths[column]) : cell.padStart(widths[column]),
+    );
     console.log(`  ${cells.join('  ')}`);
   }
 }
 
 export function printParts(parts) {
   console.log('\nParts of the library, in microseconds of processor time:\n');
-  printTable(['part', 'time'], parts.map(({ name, nanoseconds }) =>
-    [name, (nanoseconds / 1000).toFixed(2)]));
+  printTable(
+    ['part', 'time'],
+    parts.map(({ name, nanoseconds }) => [name, (nanoseconds / 1000).toFixed(2)]),
+  );
 }
 
 export function printComparison(results) {
   console.log('\nWhole operations against the bare program, medians in microseconds:\n');
   printTable(
-    ['operation, connection, authorities', 'library', 'bare', 'ratio', 'middle half', 'to reach',
-      'pairs', ''],
+    [
+      'operation, connection, authorities',
+      'library',
+      'bare',
+      'ratio',
+      'middle half',
+      'to reach',
+      'pairs',
+      '',
+    ],
     results.map((result) => [
-      nameOf(result), microseconds(result.library), microseconds(result.bare),
-      result.ratio.toFixed(3), result.quartiles.map((value) => value.toFixed(3)).join(' - '),
-      result.limit.toFixed(2), String(result.pairs),
+      nameOf(result),
+      microseconds(result.library),
+      microseconds(result.bare),
+      result.ratio.toFixed(3),
+      result.quartiles.map((value) => value.toFixed(3)).join(' - '),
+      result.limit.toFixed(2),
+      String(result.pairs),
       result.ratio <= result.limit ? 'reached' : 'not reached',
     ]),
   );

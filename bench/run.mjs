@@ -70,16 +70,20 @@ class Bench {
       ORVANE_HTTP_VERSION: '1.1',
     };
     const { processor } = this;
-    return JSON.parse(await run(this.paths[program], [operation, String(count)], { env, processor }));
+    return JSON.parse(
+      await run(this.paths[program], [operation, String(count)], { env, processor }),
+    );
   }
 
   // Both programs must do the same work, or their times say nothing.
   async checkSameWork(operation) {
     const [requests, fields] = [[], []];
     for (const program of kPrograms) {
-      requests.push(await recordRequest(operation, this.certificates, async (port) => {
-        fields.push((await this.perform(program, operation, 1, port, 'own')).fields);
-      }));
+      requests.push(
+        await recordRequest(operation, this.certificates, async (port) => {
+          fields.push((await this.perform(program, operation, 1, port, 'own')).fields);
+        }),
+      );
     }
     deepStrictEqual(requests[0], requests[1], `${operation}: the programs send different requests`);
     deepStrictEqual(requests[0].url, pathOf(operation));
@@ -87,10 +91,15 @@ class Bench {
   }
 
   async measureParts() {
-    const parameters = ['--benchmark_format=json', `--benchmark_min_time=${this.effort.partSeconds}`];
+    const parameters = [
+      '--benchmark_format=json',
+      `--benchmark_min_time=${this.effort.partSeconds}`,
+    ];
     const { processor } = this;
     const env = { BENCH_FOLDER: this.folder };
-    const report = JSON.parse(await run(this.paths.parts, parameters, { env, processor, seconds: 120 }));
+    const report = JSON.parse(
+      await run(this.paths.parts, parameters, { env, processor, seconds: 120 }),
+    );
     return report.benchmarks.map(({ name, cpu_time: nanoseconds }) => ({ name, nanoseconds }));
   }
 
@@ -142,7 +151,12 @@ class Bench {
 async function versions() {
   const curl = await run('curl-config', ['--version']);
   const openssl = await run('openssl', ['version']);
-  return { processor: cpus()[0].model, kernel: release(), curl: curl.trim(), openssl: openssl.trim() };
+  return {
+    processor: cpus()[0].model,
+    kernel: release(),
+    curl: curl.trim(),
+    openssl: openssl.trim(),
+  };
 }
 
 const { values: options, positionals } = parseArgs({
@@ -164,7 +178,11 @@ const bench = new Bench({
   effort: options.quick ? kQuick : kThorough,
   operations: [...new Set(chosen.filter(isOperation).map(({ operation }) => operation))],
 });
-for (const [signal, status] of [['SIGINT', 130], ['SIGTERM', 143], ['SIGHUP', 129]]) {
+for (const [signal, status] of [
+  ['SIGINT', 130],
+  ['SIGTERM', 143],
+  ['SIGHUP', 129],
+]) {
   process.once(signal, () => {
     bench.endAtOnce();
     process.exit(status);

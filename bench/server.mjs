@@ -30,6 +30,7 @@ const quoted = (text) => `'${text.replace(/[\\']/g, '\\$&')}'`;
 
 // The answer as nginx writes it out: a text in it counts the requests of its connection, so that no
 // answer is the one before it, and both programs see the same ones.
+// biome-ignore lint/suspicious/noTemplateCurlyInString: the variable is nginx's
 const changing = (answer) => answer.replace('0000', '${connection_requests}');
 
 function location(operation, answer) {

@@ -24,7 +24,14 @@ function hasPassword({ password }) {
 function asFields(input) {
   const { email, firstname, lastname, middlename, prefix, suffix, taxvat, gender } = input;
   return {
-    email, firstname, lastname, middlename, prefix, suffix, taxvat, gender,
+    email,
+    firstname,
+    lastname,
+    middlename,
+    prefix,
+    suffix,
+    taxvat,
+    gender,
     dateOfBirth: input.date_of_birth ?? input.dob,
     isSubscribed: input.is_subscribed ?? false,
     allowsShoppingAssistance: input.allow_remote_shopping_assistance ?? false,

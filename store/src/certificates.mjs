@@ -49,12 +49,23 @@ function makePair(key, certificate, make) {
 function makeAuthority(files) {
   makePair(files.authorityKey, files.authority, (key, certificate) =>
     openssl(
-      'req', '-x509', ...newKey, '-keyout', key, '-out', certificate,
-      '-days', String(authorityDays),
-      '-subj', '/O=Local book store/CN=Local book store authority',
-      '-addext', 'basicConstraints=critical,CA:TRUE,pathlen:0',
-      '-addext', 'keyUsage=critical,keyCertSign,cRLSign',
-      '-addext', `nameConstraints=critical,${nameConstraints}`,
+      'req',
+      '-x509',
+      ...newKey,
+      '-keyout',
+      key,
+      '-out',
+      certificate,
+      '-days',
+      String(authorityDays),
+      '-subj',
+      '/O=Local book store/CN=Local book store authority',
+      '-addext',
+      'basicConstraints=critical,CA:TRUE,pathlen:0',
+      '-addext',
+      'keyUsage=critical,keyCertSign,cRLSign',
+      '-addext',
+      `nameConstraints=critical,${nameConstraints}`,
     ),
   );
 }
@@ -70,12 +81,31 @@ function makeServerCertificate(files) {
   );
   makePair(files.serverKey, files.server, (key, certificate) => {
     openssl(
-      'req', '-new', ...newKey, '-keyout', key, '-out', request,
-      '-subj', '/CN=bookstore.example',
+      'req',
+      '-new',
+      ...newKey,
+      '-keyout',
+      key,
+      '-out',
+      request,
+      '-subj',
+      '/CN=bookstore.example',
     );
     openssl(
-      'x509', '-req', '-in', request, '-out', certificate, '-days', String(serverDays),
-      '-CA', files.authority, '-CAkey', files.authorityKey, '-extfile', extensions,
+      'x509',
+      '-req',
+      '-in',
+      request,
+      '-out',
+      certificate,
+      '-days',
+      String(serverDays),
+      '-CA',
+      files.authority,
+      '-CAkey',
+      files.authorityKey,
+      '-extfile',
+      extensions,
     );
   });
   rmSync(request);

@@ -55,9 +55,7 @@ export class FaultList {
 
   // Clears the faults of one operation, or all of them when none is named.
   clear(operation) {
-    this.#faults = operation
-      ? this.#faults.filter((fault) => fault.operation !== operation)
-      : [];
+    this.#faults = operation ? this.#faults.filter((fault) => fault.operation !== operation) : [];
   }
 
   list() {
@@ -81,7 +79,10 @@ function withHeaders(headers, changes) {
   const changed = Object.keys(changes).map((name) => name.toLowerCase());
   const kept = headers.filter(([name]) => !changed.includes(name.toLowerCase()));
   const added = Object.entries(changes).flatMap(([name, value]) =>
-    [value].flat().filter((item) => item !== null).map((item) => [name, item]),
+    [value]
+      .flat()
+      .filter((item) => item !== null)
+      .map((item) => [name, item]),
   );
   return [...kept, ...added];
 }

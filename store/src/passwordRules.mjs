@@ -12,19 +12,25 @@ function complaint(password, email) {
     return `Please enter a password with at most ${maximumCharacters} characters.`;
   }
   if (characters < minimumCharacters) {
-    return `The password needs at least ${minimumCharacters} characters. ` +
-      'Create a new password and try again.';
+    return (
+      `The password needs at least ${minimumCharacters} characters. ` +
+      'Create a new password and try again.'
+    );
   }
   if (password.trim() !== password) {
     return "The password can't begin or end with a space. Verify the password and try again.";
   }
   if (classes.filter((pattern) => pattern.test(password)).length < minimumClasses) {
-    return `Minimum of different classes of characters in password is ${minimumClasses}. ` +
-      'Classes of characters: Lower Case, Upper Case, Digits, Special Characters.';
+    return (
+      `Minimum of different classes of characters in password is ${minimumClasses}. ` +
+      'Classes of characters: Lower Case, Upper Case, Digits, Special Characters.'
+    );
   }
   if (password.toLowerCase() === email.toLowerCase()) {
-    return "The password can't be the same as the email address. " +
-      'Create a new password and try again.';
+    return (
+      "The password can't be the same as the email address. " +
+      'Create a new password and try again.'
+    );
   }
   return null;
 }

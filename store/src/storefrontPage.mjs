@@ -22,7 +22,7 @@ const prices = {
 
 const entities = { '&': '&amp;', '<': '&lt;', '>': '&gt;', '"': '&quot;', "'": '&#39;' };
 
-function escape(text) {
+function escapeHtml(text) {
   return String(text).replace(/[&<>"']/g, (character) => entities[character]);
 }
 
@@ -38,17 +38,17 @@ function formatPrice(store, price) {
 
 function renderBook(store, { title, author }, index) {
   return `<li>
-<div class="cover cover-${index + 1}" aria-hidden="true"><span>${escape(title)}</span></div>
-<h3>${escape(title)}</h3>
-<p>${escape(author)}</p>
-<p class="price">${escape(formatPrice(store, prices[store.currency][index]))}</p>
+<div class="cover cover-${index + 1}" aria-hidden="true"><span>${escapeHtml(title)}</span></div>
+<h3>${escapeHtml(title)}</h3>
+<p>${escapeHtml(author)}</p>
+<p class="price">${escapeHtml(formatPrice(store, prices[store.currency][index]))}</p>
 </li>`;
 }
 
 function renderBooks(store, texts) {
   const books = texts.books.map((book, index) => renderBook(store, book, index));
   return `<section aria-labelledby="picks">
-<h2 id="picks">${escape(texts.picks)}</h2>
+<h2 id="picks">${escapeHtml(texts.picks)}</h2>
 <ul class="books">
 ${books.join('\n')}
 </ul>
@@ -81,10 +81,10 @@ function renderReader(cookies, texts) {
   ].filter(([, value]) => value);
   if (rows.length === 0) return '';
   const items = rows.map(
-    ([name, value]) => `<div><dt>${escape(name)}</dt><dd>${escape(value)}</dd></div>`,
+    ([name, value]) => `<div><dt>${escapeHtml(name)}</dt><dd>${escapeHtml(value)}</dd></div>`,
   );
   return `<section class="reader" aria-labelledby="reader">
-<h2 id="reader">${escape(texts.reader)}</h2>
+<h2 id="reader">${escapeHtml(texts.reader)}</h2>
 <dl>${items.join('')}</dl>
 </section>`;
 }
@@ -99,17 +99,17 @@ function mainAttributes({ state, customer }, cookies) {
     'data-cache-id': cookies['x-magento-cache-id'] ?? '',
   };
   return Object.entries(attributes)
-    .map(([name, value]) => ` ${name}="${escape(value)}"`)
+    .map(([name, value]) => ` ${name}="${escapeHtml(value)}"`)
     .join('');
 }
 
 // The page of a store for a visitor (see storefront.mjs), who sent these cookies.
 export function renderPage({ store, visitor, cookies }) {
   const texts = textsFor(store);
-  const name = escape(store.storeName || store.language);
+  const name = escapeHtml(store.storeName || store.language);
   const [heading, hint] = welcome(visitor, texts);
   return `<!doctype html>
-<html lang="${escape(localeOf(store))}">
+<html lang="${escapeHtml(localeOf(store))}">
 <head>
 <meta charset="utf-8">
 <meta name="viewport" content="width=device-width, initial-scale=1">
@@ -119,12 +119,12 @@ export function renderPage({ store, visitor, cookies }) {
 <body>
 <header>
 <p class="name">${name}</p>
-<p class="tagline">${escape(texts.tagline)}</p>
+<p class="tagline">${escapeHtml(texts.tagline)}</p>
 </header>
 <main${mainAttributes(visitor, cookies)}>
 <section class="welcome ${visitor.state}">
-<h1>${escape(heading)}</h1>
-<p>${escape(hint)}</p>
+<h1>${escapeHtml(heading)}</h1>
+<p>${escapeHtml(hint)}</p>
 </section>
 ${visitor.state === 'closed' ? '' : renderBooks(store, texts)}
 ${renderReader(cookies, texts)}

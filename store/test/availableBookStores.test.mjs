@@ -37,7 +37,10 @@ test('lists the members of a store in the order of the query', async () => {
 
 test('has one store without a name but with a language', async () => {
   const unnamed = (await discover()).filter(({ storeName }) => storeName === '');
-  assert.deepEqual(unnamed.map(({ language }) => language), ['Français']);
+  assert.deepEqual(
+    unnamed.map(({ language }) => language),
+    ['Français'],
+  );
 });
 
 test('gives every store its own addresses, code, provider and token', async () => {

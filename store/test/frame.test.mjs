@@ -15,7 +15,7 @@ const schema = buildSchema(`
 
 const operations = {
   customer() {
-    throw new OperationError('The current customer isn\'t authorized.', Category.Authorization);
+    throw new OperationError("The current customer isn't authorized.", Category.Authorization);
   },
   broken() {
     throw new TypeError('a defect of the service');

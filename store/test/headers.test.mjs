@@ -100,10 +100,12 @@ describe('the answer', () => {
 
   test('escapes slashes and everything outside ASCII', async () => {
     const { text } = await store.query('{ availableBookStores { url storeName } }');
-    assert.ok(text.startsWith(
-      '{"data":{"availableBookStores":[{"url":"https:\\/\\/de.bookstore.example\\/",' +
-        '"storeName":"B\\u00fccherwelt Deutschland"}',
-    ));
+    assert.ok(
+      text.startsWith(
+        '{"data":{"availableBookStores":[{"url":"https:\\/\\/de.bookstore.example\\/",' +
+          '"storeName":"B\\u00fccherwelt Deutschland"}',
+      ),
+    );
   });
 });
 

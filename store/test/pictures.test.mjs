@@ -53,7 +53,11 @@ describe('the picture of a book', () => {
     const bytes = inflateSync(chunksOf(raw)[1].content);
     const rowAt = (y) => [...bytes.subarray(y * 121 + 1, (y + 1) * 121)];
     assert.ok(rowAt(9).every((shade) => shade === 255));
-    assert.ok(rowAt(10).slice(0, 10).every((shade) => shade === 255));
+    assert.ok(
+      rowAt(10)
+        .slice(0, 10)
+        .every((shade) => shade === 255),
+    );
     assert.ok(new Set(rowAt(10)).size > 2);
     assert.deepEqual(rowAt(10), rowAt(10).reverse());
   });
@@ -67,9 +71,15 @@ describe('the picture of a book', () => {
 
   test('is nowhere else', async () => {
     const missing = [
-      '99.png', '103', '103.jpg', '', 'x/103.png',
+      '99.png',
+      '103',
+      '103.jpg',
+      '',
+      'x/103.png',
       // Books without a picture, with the placeholder, and with a picture that got lost.
-      '1001.png', '20030.png', '123456.png',
+      '1001.png',
+      '20030.png',
+      '123456.png',
     ];
     for (const name of missing) {
       assert.equal((await fetchPicture(`${folder}/${name}`)).status, 404, name);
@@ -79,7 +89,10 @@ describe('the picture of a book', () => {
 });
 
 test('a PNG holds its pixels row by row, with the checksums of the format', () => {
-  const shades = [[0, 10, 20], [100, 110, 255]];
+  const shades = [
+    [0, 10, 20],
+    [100, 110, 255],
+  ];
   const bytes = encodePng({ width: 3, height: 2, shadeAt: (x, y) => shades[y][x] });
   const [header, pixels, end] = chunksOf(bytes);
   assert.equal(header.type, 'IHDR');

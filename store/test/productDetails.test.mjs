@@ -61,7 +61,10 @@ describe('the texts of the library', () => {
   });
 
   test('are syntax errors of the line when the uid holds a quote', async () => {
-    for (const [line, status] of [['old', 500], ['new', 400]]) {
+    for (const [line, status] of [
+      ['old', 500],
+      ['new', 400],
+    ]) {
       await store.useLine(line);
       for (const query of [fullQuery('MT"Az'), priceQuery('MT"Az')]) {
         const answer = await ask(query);
@@ -164,7 +167,10 @@ describe('who is no customer', () => {
   const callers = { 'a guest': null, 'an integration': 'inventedintegrationtokendede0000' };
   for (const [who, token] of Object.entries(callers)) {
     test(`is refused: ${who}`, async () => {
-      for (const [line, status] of [['old', 200], ['new', 403]]) {
+      for (const [line, status] of [
+        ['old', 200],
+        ['new', 403],
+      ]) {
         await store.useLine(line);
         assert.deepEqual(failure(await ask(fullQuery('MTAz'), { token })), {
           status,

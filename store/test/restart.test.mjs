@@ -60,8 +60,14 @@ test('no file holds a password or a token, and only the owner reads them', async
   await reader.signIn({ ...person, password: 'Wrong-Moonlight' });
   const refreshed = (await reader.refresh(refreshToken)).json().data.refreshTokens;
   const secrets = [
-    person.password, 'Wrong-Moonlight', accessToken, refreshToken, refreshToken.slice(0, 22),
-    refreshed.access_token, refreshed.refresh_token, refreshed.refresh_token.slice(22),
+    person.password,
+    'Wrong-Moonlight',
+    accessToken,
+    refreshToken,
+    refreshToken.slice(0, 22),
+    refreshed.access_token,
+    refreshed.refresh_token,
+    refreshed.refresh_token.slice(22),
   ];
   const files = readdirSync(store.state.path).filter((name) => statSync(inState(name)).isFile());
   assert.ok(files.includes('customers.json'));

@@ -103,7 +103,7 @@ for (const line of ['old', 'new']) {
       assert.ok((await refreshed(refreshToken)).access_token);
     });
 
-    test('an access token expires on the server\'s clock', async () => {
+    test("an access token expires on the server's clock", async () => {
       await store.control('PATCH', '/settings', { tokenLifetimeSeconds: 30 });
       const { accessToken, refreshToken } = await reader.signedIn();
       await reader.passes(20);

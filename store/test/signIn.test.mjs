@@ -152,8 +152,24 @@ describe('after six failures', () => {
 });
 
 const oddTexts = [
-  '"', '\\', "'", '\n', '\r\n\t', '\u0000', '😀', 'ü', '\u2028', '{"a":1}', '$(x)', '%s%n',
-  '<b>', 'x'.repeat(10000), '__proto__', 'constructor', ' ', '\ud800',
+  '"',
+  '\\',
+  "'",
+  '\n',
+  '\r\n\t',
+  '\u0000',
+  '😀',
+  'ü',
+  '\u2028',
+  '{"a":1}',
+  '$(x)',
+  '%s%n',
+  '<b>',
+  'x'.repeat(10000),
+  '__proto__',
+  'constructor',
+  ' ',
+  '\ud800',
 ];
 test('odd addresses and passwords are refused like wrong ones and break nothing', async () => {
   for (const odd of oddTexts) {
@@ -164,7 +180,7 @@ test('odd addresses and passwords are refused like wrong ones and break nothing'
 });
 
 test('a password of any characters signs in exactly as it was given', async () => {
-  const password = 'Aa1"\\\n😀\u0000é' + 'x'.repeat(200);
+  const password = `Aa1"\\\n😀\u0000é${'x'.repeat(200)}`;
   const person = await reader.registered({ password });
   assert.equal(isIn(await reader.signIn(person)), true);
   assert.equal(isIn(await reader.signIn({ ...person, password: password.slice(0, -1) })), false);

@@ -76,7 +76,9 @@ const situations = [
   },
   {
     name: 'a missing variable',
-    request: posted({ query: 'query ($on: Boolean!) { availableBookStores @include(if: $on) { url } }' }),
+    request: posted({
+      query: 'query ($on: Boolean!) { availableBookStores @include(if: $on) { url } }',
+    }),
     old: [200, 'Variable "$on" of required type "Boolean!" was not provided.'],
     new: [200, 'Variable "$on" of required type "Boolean!" was not provided.'],
   },
@@ -111,7 +113,7 @@ const situations = [
     new: [200, 'Requested store is not found'],
   },
   {
-    name: 'an unknown store in the clients\' own cookie',
+    name: "an unknown store in the clients' own cookie",
     request: { headers: { Cookie: 'orvane-store=mars' } },
     old: [200, null],
     new: [200, null],

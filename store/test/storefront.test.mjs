@@ -182,8 +182,12 @@ describe('nothing that somebody sent becomes markup', () => {
     const evil = '"><img src=x>';
     const answer = await visit({
       cookies: {
-        'orvane-serial-number': evil, 'orvane-store': evil, 'orvane-locale': evil,
-        'orvane-currency': evil, 'x-magento-cache-id': evil, 'orvane-customer': evil,
+        'orvane-serial-number': evil,
+        'orvane-store': evil,
+        'orvane-locale': evil,
+        'orvane-currency': evil,
+        'x-magento-cache-id': evil,
+        'orvane-customer': evil,
       },
     });
     assert.equal(answer.text.includes('<img'), false);

@@ -52,7 +52,9 @@ const chunk = (text) => `${text.length.toString(16)}\r\n${text}\r\n`;
 const paths = {
   '/echo': (socket, request) => socket.write(answer(request)),
   '/connection': (socket) =>
-    socket.write(answer(JSON.stringify({ number: socket.number, resumed: socket.isSessionReused() }))),
+    socket.write(
+      answer(JSON.stringify({ number: socket.number, resumed: socket.isSessionReused() })),
+    ),
   '/close': (socket) => socket.end(answer('last', ['Connection: close'])),
   '/close-silently': (socket) => socket.end(answer('last')),
   '/drop-next': (socket) => {
@@ -60,14 +62,23 @@ const paths = {
     socket.write(answer('kept'));
   },
   '/headers': (socket) =>
-    socket.write(answer('', ['X-MaGeNto-Cache-ID:  \t abc \t ', 'X-Twice: first', 'x-twice: second', 'X-Empty:'])),
+    socket.write(
+      answer('', [
+        'X-MaGeNto-Cache-ID:  \t abc \t ',
+        'X-Twice: first',
+        'x-twice: second',
+        'X-Empty:',
+      ]),
+    ),
   '/early': (socket) => {
     socket.write('HTTP/1.1 103 Early Hints\r\nX-Early: yes\r\n\r\n');
     socket.write(answer('late', ['X-Late: yes']));
   },
   '/early-only': (socket) => socket.end('HTTP/1.1 103 Early Hints\r\nX-Early: yes\r\n\r\n'),
   '/trailer': (socket) =>
-    socket.write(`HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n${chunk('body')}0\r\nX-Trailer: yes\r\n\r\n`),
+    socket.write(
+      `HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n${chunk('body')}0\r\nX-Trailer: yes\r\n\r\n`,
+    ),
   '/error': (socket) => socket.write(answer('sorry', [], '500 Internal Server Error')),
   '/redirect': (socket) => socket.write(answer('', ['Location: /echo'], '302 Found')),
   '/cookie': (socket) => socket.write(answer('', ['Set-Cookie: session=1; Path=/'])),
@@ -96,8 +107,7 @@ const paths = {
   '/not-http': (socket) => socket.end('220 mail.example ready\r\n'),
 };
 for (const [encoding, body] of Object.entries(compressed)) {
-  paths[`/${encoding}`] = (socket) =>
-    socket.write(answer(body, [`Content-Encoding: ${encoding}`]));
+  paths[`/${encoding}`] = (socket) => socket.write(answer(body, [`Content-Encoding: ${encoding}`]));
 }
 
 // The length of the first whole request in `bytes`, or 0 while it is not whole.
@@ -128,8 +138,11 @@ function onConnection(socket) {
   socket.on('error', () => socket.destroy());
   socket.on('data', (piece) => {
     bytes = Buffer.concat([bytes, piece]);
-    for (let length; (length = requestLength(bytes)) > 0; bytes = bytes.subarray(length)) {
+    let length = requestLength(bytes);
+    while (length > 0) {
       serve(socket, bytes.subarray(0, length));
+      bytes = bytes.subarray(length);
+      length = requestLength(bytes);
     }
   });
 }
