@@ -27,4 +27,4 @@ add_library(headers_alone OBJECT ${sources} ${CMAKE_CURRENT_BINARY_DIR}/ov_sdk_a
   RecordLayout.cpp)
 set_target_properties(headers_alone PROPERTIES CXX_STANDARD 11 C_STANDARD 99 C_EXTENSIONS OFF)
 target_include_directories(headers_alone PRIVATE ${PROJECT_SOURCE_DIR})
-target_link_libraries(headers_alone PRIVATE platform PkgConfig::jsoncpp project_warnings)
+target_link_libraries(headers_alone PRIVATE platform JsonCpp::JsonCpp project_warnings)
