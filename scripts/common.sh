@@ -58,11 +58,10 @@ install_packages() {
 # Installs the node modules of a folder, unless its lock file is the one that they were installed
 # from. Several calls at once work one after the other.
 install_node_modules() {
-  local folder=$1
+  local folder=$1 stamp=$1/node_modules/.installed-lock lock_digest
   mkdir -p "$build_folder"
   (
     flock 8
-    stamp=$folder/node_modules/.installed-lock
     lock_digest=$(sha256sum <"$folder/package-lock.json")
     [[ -f $stamp && $(<"$stamp") == "$lock_digest" ]] && exit
     command -v npm >/dev/null || fail "npm is missing; install it: apt-get install npm"
