@@ -141,6 +141,16 @@ TEST_F(GraphQLApiTest, ACallbackThatReplacesItselfIsGoneAndTheNewOneIsCalled) {
   EXPECT_THAT(called, ElementsAre("first", "second"));
 }
 
+TEST_F(GraphQLApiTest, ACallbackMayReplaceItselfByAReference) {
+  int calls = 0;
+  GraphQLApi::ErrorCallback second = [&calls](int, int) { ++calls; };
+  api.setErrorCb([this, &second](int, int) { api.setErrorCb(std::ref(second)); });
+  api.getStores();
+  EXPECT_EQ(calls, 0);
+  api.getStores();
+  EXPECT_EQ(calls, 1);
+}
+
 TEST_F(GraphQLApiTest, ACallbackThatSwitchesItselfOffIsNotCalledAgain) {
   int calls = 0;
   api.setErrorCb([&](int, int) {

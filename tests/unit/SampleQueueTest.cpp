@@ -545,6 +545,13 @@ TEST_F(SampleQueueTest, AFileThatCannotBeReadIsNotRewritten) {
   EXPECT_THAT(platform().log, IsEmpty());
 }
 
+TEST_F(SampleQueueTest, AFileThatIsGoneWhenItIsReadIsWrittenAgain) {
+  SystemCallFaults faults;
+  faults.fail("open", ENOENT, 2);  // the reader's: the lock's is the first
+  queue.addSample("b1", "/s/1");
+  EXPECT_THAT(items(), ElementsAre("b1@/s/1"));
+}
+
 TEST_F(SampleQueueTest, AReadThatFailsInTheMiddleRewritesNothing) {
   const std::string before = encoded("b1", "/s/1") + encoded("b2", "/s/2");
   fileHolds(before);
