@@ -1,5 +1,6 @@
 #include "platform_check/Check.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -67,6 +68,13 @@ std::string base64Of(const std::string& text) {
   }
   const std::size_t padding = (3 - text.size() % 3) % 3;
   return result.replace(result.size() - padding, padding, std::string(padding, '='));
+}
+
+std::string lowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+  });
+  return text;
 }
 
 std::string contentOf(const std::string& path) {

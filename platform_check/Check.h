@@ -78,6 +78,9 @@ std::string everyByteButNul();
 // `text` as Base64, with padding.
 std::string base64Of(const std::string& text);
 
+// `text` with its ASCII letters in lower case.
+std::string lowerCase(std::string text);
+
 // The content of a file; empty when it cannot be read.
 std::string contentOf(const std::string& path);
 

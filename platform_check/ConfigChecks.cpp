@@ -161,15 +161,15 @@ void writtenValuesAreVisibleAtOnce(const Settings& settings) {
 
 void textStaysUntilTheNextCall(const Settings& settings) {
   const std::string path = settings.devicePath("stays.cfg");
-  const std::string text(300, 'a');
-  saveText(settings, path, "text", text);
+  const std::string otherPath = settings.devicePath("stays-too.cfg");
+  saveText(settings, path, "text", std::string(300, 'a'));
+  saveText(settings, otherPath, "text", std::string(300, 'b'));
   const CfgWrapper config(path, CfgWrapper::Read);
+  const CfgWrapper other(otherPath, CfgWrapper::Read);
   const char* const returned = ReadString(config.handle, "text", "");
-  const std::string others(300, 'b');
-  const CfgWrapper other(path, CfgWrapper::Read);
-  textOf(other, "text");
   require(returned != nullptr, "ReadString() returned null");
-  requireEqual("the text, after a call for another configuration", returned, text);
+  textOf(other, "text");
+  requireEqual("the text, after a call for another configuration", returned, std::string(300, 'a'));
 }
 
 // --- Keys ----------------------------------------------------------------------------------------
@@ -319,13 +319,6 @@ std::string hexOf(const std::string& text) {
     result += {digits[byte >> 4 & 0xf], digits[byte & 0xf]};
   }
   return result;
-}
-
-std::string lowerCase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(), [](char byte) {
-    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
-  });
-  return text;
 }
 
 // What anybody can make the secret from; empty when `content` has none of it.

@@ -27,7 +27,9 @@ int runTask(int count, char** arguments) {
   if (std::rename((file + ".new").c_str(), file.c_str()) != 0) {
     return 1;
   }
-  for (int i = 0; i < kWaits && ::access((file + ".end").c_str(), F_OK) != 0; ++i) {
+  // The report goes with the folder of the run.
+  const auto exists = [](const std::string& path) { return ::access(path.c_str(), F_OK) == 0; };
+  for (int i = 0; i < kWaits && exists(file) && !exists(file + ".end"); ++i) {
     ::usleep(kWaitMicroseconds);
   }
   return 0;

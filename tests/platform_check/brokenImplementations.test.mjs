@@ -9,7 +9,7 @@ import { Servers, check } from './platformCheck.mjs';
 const folder = new URL('.', import.meta.url);
 const executable = process.env.BROKEN_PLATFORM_CHECK;
 const hangSeconds = '5';
-const timeoutSeconds = '60';
+const timeoutSeconds = '40';
 
 const read = (name) => readFileSync(new URL(name, folder), 'utf8');
 const rows = [...read('README.md').matchAll(/^\| `([^`]+)` \| `([^`]+)` \|$/gm)].map(
