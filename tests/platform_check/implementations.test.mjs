@@ -27,6 +27,15 @@ for (const implementation of ['host', 'example']) {
   });
 }
 
+for (const implementation of ['host', 'example']) {
+  // Over HTTP/2, which the store service prefers, all names are in lower case anyway.
+  test(`The ${implementation} implementation lowers the header names of HTTP/1.1`, async () => {
+    const { authorityFile, http1Url } = servers;
+    assertPassed(await check(implementation,
+      ['--only', 'http.header-names-are-in-lower-case', '--url', http1Url], { authorityFile }));
+  });
+}
+
 test('The fake implementation passes where it keeps the contract itself', async () => {
   const groups = ['identity', 'text', 'log.any-bytes-are-survived',
     'encoding.any-bytes-come-back', 'encoding.empty-string-comes-back',

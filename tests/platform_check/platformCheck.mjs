@@ -46,9 +46,12 @@ async function makeCertificate(folder, name, authorityFolder) {
   return { cert: readFileSync(files.cert), key: readFileSync(files.key) };
 }
 
-// A server on 127.0.0.1 that answers everything with an empty object.
+// A server on 127.0.0.1 that answers everything with an empty object, over HTTP/1.1.
 async function startServer(credentials) {
-  const server = https.createServer(credentials, (_request, response) => response.end('{}'));
+  const server = https.createServer(credentials, (_request, response) => {
+    response.setHeader('X-MaGeNto-Cache-ID', 'abc');
+    response.end('{}');
+  });
   server.on('tlsClientError', () => {});
   await new Promise((resolve) => { server.listen(0, '127.0.0.1', resolve); });
   return server;
@@ -56,7 +59,7 @@ async function startServer(credentials) {
 
 const urlOf = (server) => `https://127.0.0.1:${server.address().port}/graphql`;
 
-// The store service, and two servers that must be refused.
+// The store service, two servers that must be refused, and one that must not.
 export class Servers {
   #folder = new Folder();
   #servers = [];
@@ -68,7 +71,9 @@ export class Servers {
     const unknown = await startServer(await makeCertificate(this.#folder.path, 'IP:127.0.0.1'));
     const wrongName = await startServer(
       await makeCertificate(this.#folder.path, 'DNS:other.bookstore.example', state));
-    this.#servers = [unknown, wrongName];
+    const http1 = await startServer(await makeCertificate(this.#folder.path, 'IP:127.0.0.1', state));
+    this.#servers = [unknown, wrongName, http1];
+    this.http1Url = urlOf(http1);
     this.authorityFile = fields.ca;
     this.options = [
       '--url', fields.url, '--control', fields.control,
