@@ -32,7 +32,7 @@ class Application {
   Application(const Settings& settings, const std::string& name)
       : path_(settings.devicePath(name)),
         realPath_(settings.realPath(name)),
-        report_(realPath_ + ".report"),
+        report_(realPath_ + " report"),
         polls_(settings.timeoutSeconds * (1000000 / kPollMicroseconds) / 4) {
     struct statvfs system = {};
     if (::statvfs(fs::path(realPath_).parent_path().c_str(), &system) == 0 &&

@@ -64,34 +64,6 @@ TEST_F(CfgWrapperTest, OpensAMissingFileAsAnEmptyOneAndMakesNothing) {
   EXPECT_EQ(root_.log(), "");
 }
 
-TEST_F(CfgWrapperTest, ReadsBackWhatWasWritten) {
-  CfgWrapper config(kPath, CfgWrapper::Write);
-  WriteInt(config.handle, "number", INT_MIN);
-  WriteString(config.handle, "text", " a=b\nc ");
-  WriteString(config.handle, "empty", "");
-  WriteSecret(config.handle, "token", "s3cret");
-  config.saveAndClose();
-
-  const CfgWrapper again(kPath, CfgWrapper::Read);
-  EXPECT_THAT(again.keys(), ElementsAre("empty", "number", "text", "token"));
-  EXPECT_EQ(again.readIfExists<int>("number").value(), INT_MIN);
-  EXPECT_EQ(again.read<std::string>("text", ""), " a=b\nc ");
-  EXPECT_EQ(again.readIfExists<std::string>("empty").value(), "");
-  EXPECT_EQ(std::string(again.read<CfgSecret>("token", CfgSecret())), "s3cret");
-  EXPECT_EQ(root_.log(), "");
-}
-
-TEST_F(CfgWrapperTest, ReadsWhatItWroteBeforeItIsSaved) {
-  save("a", "old");
-  const CfgWrapper config(kPath, CfgWrapper::Write);
-  WriteString(config.handle, "a", "new");
-  WriteString(config.handle, "b", "x");
-  WriteSecret(config.handle, "c", "y");
-  EXPECT_STREQ(ReadString(config.handle, "a", ""), "new");
-  EXPECT_STREQ(ReadSecret(config.handle, "c", ""), "y");
-  EXPECT_THAT(config.keys(), ElementsAre("a", "b", "c"));
-}
-
 TEST_F(CfgWrapperTest, KnowsEachKeyAsSoonAsItIsWrittenOrSavedByAnother) {
   save("a", "1");
   CfgWrapper config(kPath, CfgWrapper::Write);
@@ -123,20 +95,6 @@ TEST_F(CfgWrapperTest, ReadsWhatIsNoWholeNumberAsTheDefaultAndSaysSo) {
   }
 }
 
-TEST_F(CfgWrapperTest, TheTextStaysValidUntilTheNextCall) {
-  save("a", std::string(100, 'a'));
-  const CfgWrapper config(kPath, CfgWrapper::Read);
-  const char* text = ReadString(config.handle, "a", "");
-  EXPECT_EQ(text, std::string(100, 'a'));
-}
-
-TEST_F(CfgWrapperTest, KeepsTheKeysThatItWasNotToldToWrite) {
-  save("a", "1");
-  save("b", "2");
-  EXPECT_EQ(load("a"), "1");
-  EXPECT_EQ(load("b"), "2");
-}
-
 TEST_F(CfgWrapperTest, MergesWithWhatWasSavedSinceItWasOpened) {
   save("a", "1");
   CfgWrapper slow(kPath, CfgWrapper::Write);
@@ -159,18 +117,6 @@ TEST_F(CfgWrapperTest, WritesAKeyOnceAndNotAgainAtALaterSave) {
   WriteString(config.handle, "b", "3");
   config.saveAndClose();
   EXPECT_EQ(load("a"), "2");
-}
-
-TEST_F(CfgWrapperTest, WritesNothingUnlessItIsSaved) {
-  save("a", "1");
-  {
-    CfgWrapper config(kPath, CfgWrapper::Write);
-    WriteString(config.handle, "a", "2");
-    config.closeNoSave();
-    CfgWrapper left(kPath, CfgWrapper::Write);
-    WriteString(left.handle, "a", "3");
-  }
-  EXPECT_EQ(load("a"), "1");
 }
 
 TEST_F(CfgWrapperTest, DoesNotSaveAFileThatWasOpenedToRead) {

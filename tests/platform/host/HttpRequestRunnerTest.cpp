@@ -78,13 +78,6 @@ TEST_F(HttpRequestRunnerTest, SendsALongBodyWithoutAskingFirst) {
   EXPECT_THAT(answer.body.size(), ::testing::Gt(std::size_t{3 << 20}));
 }
 
-TEST_F(HttpRequestRunnerTest, SendsTheLastBodyThatWasAdded) {
-  HttpRequest request("POST", url("/echo"));
-  request.AddPostData("first");
-  request.AddPostData("second");
-  EXPECT_THAT(perform(request).body, HasSubstr("Content-Length: 6\r\n\r\nsecond"));
-}
-
 TEST_F(HttpRequestRunnerTest, SendsAnEmptyBodyWithPostAndNoneWithGet) {
   EXPECT_THAT(perform(HttpRequest("POST", url("/echo"))).body, HasSubstr("Content-Length: 0\r\n"));
   EXPECT_THAT(get("/echo").body, Not(HasSubstr("Content-Length")));
@@ -231,14 +224,6 @@ TEST_F(HttpRequestRunnerTest, TakesNoPasswordFromTheNetrcFile) {
   EXPECT_THAT(get("/echo").body, Not(HasSubstr("Authorization")));
 }
 
-TEST_F(HttpRequestRunnerTest, FollowsNoRedirect) {
-  const Answer answer = getWithCallbacks("/redirect");
-  EXPECT_EQ(answer.result, 0);
-  EXPECT_EQ(answer.status, 302);
-  EXPECT_EQ(answer.headers.at("location"), "/echo");
-  EXPECT_EQ(answer.body, "");
-}
-
 TEST_F(HttpRequestRunnerTest, SendsNoCookieBack) {
   EXPECT_EQ(getWithCallbacks("/cookie").headers.count("set-cookie"), 1U);
   EXPECT_THAT(get("/echo").body, Not(HasSubstr("ookie")));
@@ -279,14 +264,6 @@ TEST_F(HttpRequestRunnerTest, GivesNoHeadersThatFollowTheBody) {
   const Answer answer = getWithCallbacks("/trailer");
   EXPECT_EQ(answer.body, "body");
   EXPECT_EQ(answer.headers.count("x-trailer"), 0U);
-}
-
-TEST_F(HttpRequestRunnerTest, DropsTheBodyWithoutAWriteCallback) {
-  long status = 0;
-  Headers headers;
-  const HttpRequest request("GET", url("/echo"));
-  EXPECT_EQ(HttpRequestRunner().PerformRequest(request, &status, &headers, {}, {}, {}), 0);
-  EXPECT_EQ(status, 200);
 }
 
 TEST_F(HttpRequestRunnerTest, StopsWhenTheWriteCallbackTakesLess) {

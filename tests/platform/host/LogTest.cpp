@@ -111,11 +111,6 @@ TEST_F(LogTest, DoesNotLookAtTheValuesOfALineThatIsNotWritten) {
   EXPECT_EQ(root_.log(), "");
 }
 
-TEST_F(LogTest, FormatsTheValues) {
-  ov_print_log2(2, "f", 1, "g", "err = %d, [%s]", 7, "x");
-  EXPECT_THAT(root_.log(), EndsWith(": err = 7, [x]\n"));
-}
-
 TEST_F(LogTest, WritesTextOfAnyLengthWhole) {
   for (const std::size_t length : {1022u, 1023u, 1024u, 1025u, 300000u}) {
     const std::string text(length, 'x');

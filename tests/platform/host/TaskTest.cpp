@@ -100,12 +100,6 @@ TEST_F(TaskTest, StartsTheExecutableBelowTheRootAndFindsIt) {
   EXPECT_EQ(root_.log(), "");
 }
 
-TEST_F(TaskTest, DoesNotFindATaskThatHasEnded) {
-  install(root_);
-  end(start());
-  EXPECT_LE(FindTaskByAppName(kPath), 0);
-}
-
 TEST_F(TaskTest, DoesNotTakeAZombieForARunningTask) {
   install(root_);
   const pid_t child = ::fork();
@@ -186,15 +180,6 @@ TEST_F(TaskTest, GivesTheTaskTheUsualSignals) {
     EXPECT_EQ(::sigismember(&now, SIGTERM), 1);
     EXPECT_EQ(::sigismember(&now, SIGINT), 0);
   }));
-}
-
-TEST_F(TaskTest, GivesTheTaskItsArguments) {
-  install(root_);
-  char path[] = "/ombrel/bin/probe.app";
-  char second[] = "a b";
-  char* arguments[] = {path, second, nullptr};
-  started_.push_back(NewTask(path, arguments, "probe.app", "probe.app", nullptr, 37));
-  EXPECT_THAT(report(), HasSubstr("argument /ombrel/bin/probe.app\nargument a b\n"));
 }
 
 TEST_F(TaskTest, NamesTheTaskByItsPathWithoutArguments) {
