@@ -1,25 +1,25 @@
-// Waiting that SIGTERM and SIGINT cut short. There is one per process, used by its main thread and
-// made before any other thread is.
+// Waiting that signals cut short. Used by the main thread, and made before any other thread is.
 
 #ifndef SAMPLE_APP_SIGNALWAITER_H_
 #define SAMPLE_APP_SIGNALWAITER_H_
 
-#include <csignal>
+#include <vector>
 
+#include "base/BlockedSignals.h"
 #include "sample_app/Waiter.h"
 
 namespace sample_app {
 
 class SignalWaiter : public Waiter {
  public:
-  // Keeps both signals from interrupting anything from now on: only wait() looks for them.
-  SignalWaiter();
+  // Keeps `signals` from interrupting anything: only wait() looks for them. They take effect when
+  // the object is destroyed.
+  explicit SignalWaiter(const std::vector<int>& signals);
 
   bool wait(std::chrono::milliseconds time) override;
 
  private:
-  sigset_t signals_;
-  bool mustEnd_ = false;
+  const base::BlockedSignals signals_;
 };
 
 }  // namespace sample_app

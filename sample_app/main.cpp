@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -18,7 +19,7 @@
 namespace {
 
 int work() {
-  sample_app::SignalWaiter waiter;
+  sample_app::SignalWaiter waiter({SIGTERM, SIGINT});
   const sample_app::WorkerLock lock;
   switch (lock.state()) {
     case sample_app::WorkerLock::State::Held:

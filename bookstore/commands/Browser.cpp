@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -24,12 +25,14 @@ namespace bookstore {
 
 namespace {
 
+using Wakeup = base::BlockedSignals::Wakeup;
+
 // What a browser reads commands from and writes answers to.
 constexpr int kCommandsOfBrowser = 3;
 constexpr int kAnswersOfBrowser = 4;
 constexpr int kAboveThese = 10;
 
-constexpr int kAnswerMilliseconds = 30000;
+constexpr std::chrono::seconds kAnswerTime(30);
 constexpr int kEndMilliseconds = 5000;
 
 Failure systemFailure(const std::string& what) {
@@ -93,12 +96,12 @@ class SpawnSetting {
   posix_spawnattr_t attributes = {};
 };
 
-// True when `descriptor` is readable, false when the time is over or `interruption` came first.
-bool waitReadable(int descriptor, int interruption, int milliseconds) {
-  pollfd sources[] = {{descriptor, POLLIN, 0}, {interruption, POLLIN, 0}};
-  while (::poll(sources, 2, milliseconds) < 0 && errno == EINTR) {
+// Signals do not end this wait: it is the one that cleans up after them.
+bool endsInTime(int process) {
+  pollfd source = {process, POLLIN, 0};
+  while (::poll(&source, 1, kEndMilliseconds) < 0 && errno == EINTR) {
   }
-  return sources[0].revents != 0;
+  return source.revents != 0;
 }
 
 std::string compact(const Json::Value& value) {
@@ -147,7 +150,7 @@ Browser::~Browser() {
     return;
   }
   ::kill(pid_, SIGTERM);
-  if (!waitReadable(process_->get(), -1, kEndMilliseconds)) {
+  if (!endsInTime(process_->get())) {
     ::kill(pid_, SIGKILL);
   }
   ::waitpid(pid_, nullptr, 0);
@@ -209,7 +212,7 @@ std::string Browser::receive() {
   std::size_t end = 0;
   while ((end = received_.find('\0')) == std::string::npos) {
     std::array<char, 4096> piece = {};
-    if (!waitReadable(answers_->get(), signals_.descriptor(), kAnswerMilliseconds)) {
+    if (signals_.wait(kAnswerTime, answers_->get()) != Wakeup::Readable) {
       throw Failure(kLocalFailure, program_ + " does not answer", "close it, and run it again");
     }
     const ssize_t count = ::read(answers_->get(), piece.data(), piece.size());
@@ -241,7 +244,7 @@ Failure Browser::ended() const {
 }
 
 void Browser::waitUntilClosed() {
-  if (waitReadable(process_->get(), signals_.descriptor(), -1)) {
+  if (signals_.wait(base::BlockedSignals::kForever, process_->get()) == Wakeup::Readable) {
     ::waitpid(pid_, nullptr, 0);
     pid_ = -1;
   }

@@ -12,9 +12,9 @@
 
 #include <json/forwards.h>
 
+#include "base/BlockedSignals.h"
 #include "base/WholeFile.h"
 #include "bookstore/Failure.h"
-#include "bookstore/terminal/BlockedSignals.h"
 
 namespace bookstore {
 
@@ -61,7 +61,7 @@ class Browser {
   Failure ended() const;
 
   // The order matters: the signals take effect last, after the profile has gone.
-  const BlockedSignals signals_;
+  const base::BlockedSignals signals_;
   const Profile profile_;
   const std::string program_;
   std::optional<base::Descriptor> commands_;

@@ -1,5 +1,3 @@
-#include <poll.h>
-
 #include <chrono>
 #include <csignal>
 #include <optional>
@@ -9,11 +7,11 @@
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/SampleQueue.h"
-#include "bookstore/terminal/BlockedSignals.h"
 #include "bookstore/terminal/ProgressBar.h"
 #include "bookstore/terminal/Spinner.h"
 #include "bookstore/terminal/Table.h"
 #include "sample_app/SamplePath.h"
+#include "sample_app/SignalWaiter.h"
 #include "sample_app/Worker.h"
 #include "sample_app/WorkerLock.h"
 
@@ -26,20 +24,6 @@ using sample_app::WorkerLock;
 namespace bookstore {
 
 namespace {
-
-// Ends the work between two steps when one of the blocked signals waits.
-class BlockedSignalsWaiter : public sample_app::Waiter {
- public:
-  explicit BlockedSignalsWaiter(const BlockedSignals& signals) : signals_(signals) {}
-
-  bool wait(std::chrono::milliseconds time) override {
-    pollfd arrived = {signals_.descriptor(), POLLIN, 0};
-    return ::poll(&arrived, 1, static_cast<int>(time.count())) == 0;
-  }
-
- private:
-  const BlockedSignals& signals_;
-};
 
 // What becomes of the items: shown while they are worked, kept for the end.
 class Report : public sample_app::WorkListener {
@@ -126,8 +110,7 @@ void requireHeld(const WorkerLock& lock) {
 
 // A worker that has drained the queue holds the queue's lock, so that who adds an item waits. As
 // the lock of the worker goes first, the application that is then started gets that one.
-Worker::End workThrough(const Context& context, const BlockedSignals& signals, Report& report) {
-  BlockedSignalsWaiter waiter(signals);
+Worker::End workThrough(const Context& context, sample_app::Waiter& waiter, Report& report) {
   Worker worker(context.storage, waiter, report, std::chrono::milliseconds(0), std::nullopt);
   const WorkerLock lock;
   requireHeld(lock);
@@ -231,9 +214,9 @@ void runSampleWork(Context& context) {
     showFirstRequest(context);
   }
   // What arrives meanwhile takes effect only when the report is out.
-  const BlockedSignals signals({SIGHUP, SIGINT, SIGTERM});
+  sample_app::SignalWaiter waiter({SIGHUP, SIGINT, SIGTERM});
   Report report(context);
-  const Worker::End end = workThrough(context, signals, report);
+  const Worker::End end = workThrough(context, waiter, report);
   report.endProgress();
   const std::size_t left = queuedSamples().size();
   print(context.output, report, left);

@@ -1,7 +1,6 @@
 #include "bookstore/terminal/HiddenQuestion.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -9,13 +8,15 @@
 #include <optional>
 #include <system_error>
 
+#include "base/BlockedSignals.h"
 #include "base/WholeFile.h"
 #include "bookstore/Failure.h"
-#include "bookstore/terminal/BlockedSignals.h"
 
 namespace bookstore {
 
 namespace {
+
+using Wakeup = base::BlockedSignals::Wakeup;
 
 Failure terminalFailure(const std::string& what) {
   return Failure(kUsage, what + ": " + std::generic_category().message(errno),
@@ -50,18 +51,10 @@ void show(int terminal, const std::string& text) {
   [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
 }
 
-// Waits until the terminal has something to read. False when a signal came first.
-bool waitForInput(int terminal, int signals) {
-  pollfd sources[] = {{terminal, POLLIN, 0}, {signals, POLLIN, 0}};
-  while (::poll(sources, 2, -1) < 0 && errno == EINTR) {
-  }
-  return sources[1].revents == 0;
-}
-
 // The line that is typed; nothing when a signal came first.
-std::optional<std::string> readLine(int terminal, int signals) {
+std::optional<std::string> readLine(int terminal, const base::BlockedSignals& signals) {
   std::string line;
-  while (waitForInput(terminal, signals)) {
+  while (signals.wait(base::BlockedSignals::kForever, terminal) != Wakeup::Signal) {
     char byte = 0;
     const ssize_t count = ::read(terminal, &byte, 1);
     if (count < 0 && errno != EINTR) {
@@ -79,10 +72,10 @@ std::optional<std::string> readLine(int terminal, int signals) {
 
 // The objects end in this order: first the echo is back, then the signals take effect.
 std::optional<std::string> askOnce(int terminal, const std::string& question) {
-  const BlockedSignals signals({SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP});
+  const base::BlockedSignals signals({SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP});
   const Silence silence(terminal);
   show(terminal, question);
-  std::optional<std::string> line = readLine(terminal, signals.descriptor());
+  std::optional<std::string> line = readLine(terminal, signals);
   show(terminal, "\n");
   return line;
 }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ constexpr milliseconds kLong(600000);
 
 TEST(SignalWaiterTest, WaitsForTheTime) {
   EXPECT_TRUE(support::passesInNewProcess([] {
-    SignalWaiter waiter;
+    SignalWaiter waiter({SIGTERM, SIGINT});
     const auto start = std::chrono::steady_clock::now();
     EXPECT_TRUE(waiter.wait(milliseconds(20)));
     EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(20));
@@ -31,22 +32,24 @@ TEST(SignalWaiterTest, WaitsForTheTime) {
 TEST(SignalWaiterTest, EitherSignalEndsEveryWaitFromThenOn) {
   for (const int signal : {SIGTERM, SIGINT}) {
     EXPECT_TRUE(support::passesInNewProcess([signal] {
-      SignalWaiter waiter;
+      SignalWaiter waiter({SIGTERM, SIGINT});
       ::raise(signal);  // interrupts nothing
       EXPECT_FALSE(waiter.wait(milliseconds(0)));
       EXPECT_FALSE(waiter.wait(kLong));
+      std::signal(signal, SIG_IGN);  // it would end this process with the waiter
     }));
   }
 }
 
 TEST(SignalWaiterTest, ASignalCutsAWaitShort) {
   EXPECT_TRUE(support::passesInNewProcess([] {
-    SignalWaiter waiter;
+    SignalWaiter waiter({SIGTERM, SIGINT});
     std::thread other([] {
       std::this_thread::sleep_for(milliseconds(20));
       ::kill(::getpid(), SIGTERM);
     });
     EXPECT_FALSE(waiter.wait(kLong));
     other.join();
+    std::signal(SIGTERM, SIG_IGN);  // it would end this process with the waiter
   }));
 }
