@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "base/HttpResult.h"
+
 namespace bookstore {
 
 namespace {
@@ -37,11 +39,13 @@ const TransferReason kTransferReasons[] = {
      "set ORVANE_CA_FILE to a readable file in PEM form"},
     {90, "the server's public key is not the pinned one", "check the key in ORVANE_PINNED_KEY"},
     {92, "the HTTP/2 stream broke", "run it again, or set ORVANE_HTTP_VERSION=1.1"},
-    {1001, "the request's method is refused", "report this defect"},
-    {1002, "this address holds a NUL", "fetch the addresses anew: bookstore stores --refresh"},
-    {1003, "a request header would hold a line end",
+    {base::kMethodRefused, "the request's method is refused", "report this defect"},
+    {base::kUrlRefused, "this address holds a NUL",
+     "fetch the addresses anew: bookstore stores --refresh"},
+    {base::kHeaderRefused, "a request header would hold a line end",
      "fetch the stores anew: bookstore stores --refresh"},
-    {1004, "the answer is too large", "raise ORVANE_MAX_ANSWER_BYTES if that much is expected"},
+    {base::kResponseTooLarge, "the answer is too large",
+     "raise ORVANE_MAX_ANSWER_BYTES if that much is expected"},
 };
 
 const TransferReason kUnknownReason = {

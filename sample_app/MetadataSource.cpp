@@ -1,10 +1,12 @@
 #include "sample_app/MetadataSource.h"
 
-#include <algorithm>
 #include <utility>
 
 #include <json/json.h>
 
+#include "base/BookId.h"
+#include "base/DevicePaths.h"
+#include "base/HttpResult.h"
 #include "base/Settings.h"
 #include "base/VisibleText.h"
 #include "base/WholeFile.h"
@@ -19,19 +21,8 @@ namespace {
 using Lookup = MetadataSource::Lookup;
 using Outcome = MetadataSource::Outcome;
 
-constexpr int kUnauthorized = 401;
-constexpr int kForbidden = 403;
-constexpr std::size_t kLongestBookId = 255;
-
-// The lock that the command line takes, too, before it uses the refresh token: that works once.
-const char kSession[] = "/mnt/ext1/system/config/bookstore.cfg.session";
-
 Lookup without(Outcome outcome, const std::string& reason) {
   return {outcome, reason, GraphQLApi::SampleMetadata()};
-}
-
-bool isRefusal(int status) {
-  return status == kUnauthorized || status == kForbidden;
 }
 
 Lookup unreadable(const Json::Exception& exception) {
@@ -41,23 +32,14 @@ Lookup unreadable(const Json::Exception& exception) {
 
 }  // namespace
 
-const char kNoIdentifier[] = "the book's identifier is not one that a store gives";
-
-bool canBeAsked(const std::string& bookId) {
-  return !bookId.empty() && bookId.size() <= kLongestBookId &&
-         std::all_of(bookId.begin(), bookId.end(), [](char character) {
-           return character > ' ' && character < '\x7f' && character != '"' && character != '\\';
-         });
-}
-
 MetadataSource::MetadataSource(std::shared_ptr<GraphQLStorageApi> storage)
     : storage_(std::move(storage)), api_(storage_) {
   api_.setErrorCb([this](int, int code) { failedStatus_ = code; });
 }
 
 Lookup MetadataSource::find(const std::string& bookId) {
-  if (!canBeAsked(bookId)) {
-    return without(Outcome::Unknown, kNoIdentifier);
+  if (!base::isValidBookId(bookId)) {
+    return without(Outcome::Unknown, "the book's identifier is not one that a store gives");
   }
   storage_->reload();
   if (!isSignedIn()) {
@@ -104,7 +86,7 @@ Lookup MetadataSource::checkSession() {
 }
 
 std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
-  const base::FileLock lock(base::hostPath(kSession));
+  const base::FileLock lock(base::hostPath(base::kSessionPath));
   if (lock.failure()) {
     return without(Outcome::Unlocked, "the session cannot be locked: " + lock.failure().text());
   }
@@ -133,7 +115,7 @@ Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
   if (error == GraphQLApi::NetworkError) {
     return without(Outcome::Unreachable, "the store cannot be reached");
   }
-  if (failedStatus_ == 0 || isRefusal(failedStatus_)) {
+  if (failedStatus_ == 0 || base::isSessionRefused(failedStatus_)) {
     return without(Outcome::SignedOut, "the store refuses the session");
   }
   return without(Outcome::InTrouble,

@@ -13,13 +13,6 @@
 
 namespace sample_app {
 
-// Whether a request can carry `bookId` unchanged: the library puts it into the query as it is,
-// where another text could change what is asked for in the customer's name.
-bool canBeAsked(const std::string& bookId);
-
-// Why an item whose book cannot be asked for is set aside.
-extern const char kNoIdentifier[];
-
 class MetadataSource {
  public:
   enum class Outcome {

@@ -9,6 +9,8 @@
 #include <orvane/utilities/HttpRequest.h>
 #include <orvane/utilities/HttpRequestRunner.h>
 
+#include "base/HttpResult.h"
+
 using orvane::utilities::HttpRequest;
 using orvane::utilities::HttpRequestRunner;
 
@@ -16,7 +18,6 @@ namespace sample_app {
 
 namespace {
 
-constexpr long kStatusOk = 200;
 constexpr std::chrono::seconds kLongestTransfer(30);
 
 Thumbnail none(const std::string& problem) {
@@ -93,7 +94,7 @@ Thumbnail fetchThumbnail(const std::string& url) {
   if (done.result != 0) {
     return none("the transfer of the picture failed: " + std::to_string(done.result));
   }
-  if (done.status != kStatusOk) {
+  if (done.status != base::kHttpOk) {
     return none("the picture was answered with status " + std::to_string(done.status));
   }
   Thumbnail thumbnail;

@@ -7,6 +7,7 @@
 #include <ctime>
 #include <system_error>
 
+#include "base/DevicePaths.h"
 #include "base/Settings.h"
 #include "bookstore/Failure.h"
 
@@ -34,14 +35,12 @@ bool look(const std::string& path, struct stat* status) {
 
 }  // namespace
 
-const char kTokenFileOnDevice[] = "/mnt/ext1/system/config/bookstore.cfg";
-
 std::string storeListFile() {
-  return base::hostPath("/mnt/ext1/system/state/cache/store_list.cfg");
+  return base::hostPath(base::kStoreListPath);
 }
 
 std::string tokenFile() {
-  return base::hostPath(kTokenFileOnDevice);
+  return base::hostPath(base::kTokenPath);
 }
 
 bool fileExists(const std::string& path) {

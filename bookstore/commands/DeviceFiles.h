@@ -13,9 +13,6 @@ namespace bookstore {
 std::string storeListFile();
 std::string tokenFile();
 
-// The second one as the device names it.
-extern const char kTokenFileOnDevice[];
-
 // Whether there is a file at `path`. Throws Failure when that cannot be seen.
 bool fileExists(const std::string& path);
 

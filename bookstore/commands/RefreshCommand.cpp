@@ -1,5 +1,6 @@
 #include <json/json.h>
 
+#include "base/HttpResult.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/Request.h"
@@ -11,8 +12,6 @@ using graphql::GraphQLStorageApi;
 namespace bookstore {
 
 namespace {
-
-constexpr int kUnauthorized = 401;
 
 std::string tokenToSpend(const GraphQLStorageApi& storage) {
   std::string token = storage.refreshToken();
@@ -34,7 +33,7 @@ void refresh(const Context& context, const GraphQLStorageApi::StoreInfo& store,
              const std::string& token) {
   const FailureListener listener(context.api);
   const auto login = waitFor(context, [&] { return context.api.refreshTokens(store, token); });
-  if (listener.heardOfStatus(kUnauthorized)) {
+  if (listener.status() == base::kHttpUnauthorized) {
     throw Failure(kStoreRefused,
                   store.apiUrl + " refused the refresh with HTTP status 401; " +
                       "the stored tokens stay as they are",

@@ -18,8 +18,8 @@ void FailureListener::throwIfAny(const std::string& url) const {
   }
 }
 
-bool FailureListener::heardOfStatus(int status) const {
-  return heard_ == std::make_pair(0, status);
+int FailureListener::status() const {
+  return heard_ && heard_->first == 0 ? heard_->second : 0;
 }
 
 }  // namespace bookstore

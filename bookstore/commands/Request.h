@@ -25,8 +25,8 @@ class FailureListener {
   // Throws the Failure that was heard of, if any. `url` is where the request went.
   void throwIfAny(const std::string& url) const;
 
-  // True when an answer with the HTTP status `status` was heard of.
-  bool heardOfStatus(int status) const;
+  // The HTTP status other than 200 that was heard of; 0 for none.
+  int status() const;
 
  private:
   graphql::GraphQLApi& api_;

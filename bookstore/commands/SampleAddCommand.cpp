@@ -6,6 +6,7 @@
 
 #include <json/json.h>
 
+#include "base/DevicePaths.h"
 #include "base/Settings.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
@@ -17,9 +18,6 @@
 namespace bookstore {
 
 namespace {
-
-// The path that the library starts.
-const char kApplicationOnDevice[] = "/ombrel/bin/graphql_sample_metadata.app";
 
 // What a worker would only set aside is not queued.
 void requireUsablePath(const std::string& devicePath) {
@@ -45,7 +43,8 @@ bool isQueued(const SampleItem& wanted) {
 
 void requireQueued(const SampleItem& item) {
   if (!isQueued(item)) {
-    throw Failure(kLocalFailure, "the sample is not in the queue, /tmp/sample.queue",
+    throw Failure(kLocalFailure,
+                  std::string("the sample is not in the queue, ") + base::kSampleQueuePath,
                   "see the log lines above, and whether /tmp has room");
   }
 }
@@ -55,7 +54,7 @@ void requireQueued(const SampleItem& item) {
 void runSampleAdd(Context& context) {
   const SampleItem item = {bookIdOf(context.arguments), context.arguments.text("FILE")};
   requireUsablePath(item.sampleFilePath);
-  const std::string application = base::hostPath(kApplicationOnDevice);
+  const std::string application = base::hostPath(base::kSampleApplicationPath);
   const bool hasApplication = isInstalled(application);
   queuedSamples();  // the library tells nobody that it cannot lock the queue
   addSample(item.bookId.c_str(), item.sampleFilePath.c_str());

@@ -1,5 +1,8 @@
 #include "bookstore/commands/Session.h"
 
+#include "base/DevicePaths.h"
+#include "base/HttpResult.h"
+#include "base/Settings.h"
 #include "bookstore/commands/DeviceFiles.h"
 
 using graphql::GraphQLApi;
@@ -9,8 +12,6 @@ namespace bookstore {
 
 namespace {
 
-constexpr int kUnauthorized = 401;
-constexpr int kForbidden = 403;
 const char kHowToGoOn[] = "bookstore refresh, or sign in again";
 
 }  // namespace
@@ -19,7 +20,7 @@ SessionLock::SessionLock(const Context& context) {
   if (context.arguments.has("--dry-run")) {
     return;
   }
-  lock_.emplace(tokenFile() + ".session");
+  lock_.emplace(base::hostPath(base::kSessionPath));
   if (const base::FileFailure& failure = lock_->failure()) {
     throw Failure(kLocalFailure, "the lock beside " + tokenFile() + " fails: " + failure.text(),
                   "set ORVANE_ROOT to a folder that can be written");
@@ -32,7 +33,7 @@ Failure notSignedIn() {
 
 void requireAnswer(const FailureListener& listener, GraphQLApi::ApiError error,
                    const std::string& url, const std::string& lack) {
-  if (listener.heardOfStatus(kUnauthorized) || listener.heardOfStatus(kForbidden)) {
+  if (base::isSessionRefused(listener.status())) {
     throw Failure(kNoSession, url + " says that the session has ended", kHowToGoOn);
   }
   listener.throwIfAny(url);

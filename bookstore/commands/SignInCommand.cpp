@@ -1,5 +1,6 @@
 #include <json/json.h>
 
+#include "base/HttpResult.h"
 #include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/CustomerText.h"
@@ -13,8 +14,6 @@ using graphql::GraphQLStorageApi;
 namespace bookstore {
 
 namespace {
-
-constexpr int kUnauthorized = 401;
 
 Failure refusal(const std::string& what) {
   return Failure(kStoreRefused, what + remainingSession(),
@@ -38,7 +37,7 @@ GraphQLStorageApi::LoginInfo signIn(const Context& context,
   const FailureListener listener(context.api);
   GraphQLStorageApi::LoginInfo login =
       waitFor(context, [&] { return context.api.auth(store, email, password); });
-  if (listener.heardOfStatus(kUnauthorized)) {
+  if (listener.status() == base::kHttpUnauthorized) {
     throw unauthorized(store.apiUrl, login.errorInfo.error);
   }
   try {

@@ -6,6 +6,7 @@
 #include <orvane/utilities/BookStoreVersionProxy.h>
 #include <orvane/utilities/CfgWrapper.h>
 
+#include "base/DevicePaths.h"
 #include "base/Settings.h"
 #include "bookstore/Commands.h"
 #include "bookstore/commands/DeviceFiles.h"
@@ -39,7 +40,7 @@ struct Status {
 
 // The library keeps this text without a way to ask for it.
 std::string tokenLifetime() {
-  const CfgWrapper file(kTokenFileOnDevice, CfgWrapper::Read);
+  const CfgWrapper file(base::kTokenPath, CfgWrapper::Read);
   return file.read<CfgSecret>(BookStoreVersionProxy::configKeyExpirationToken(), CfgSecret());
 }
 

@@ -8,6 +8,8 @@
 #include <orvane/utilities/Str.h>
 #include <ov_sdk.h>
 
+#include "base/HttpResult.h"
+
 using orvane::utilities::Str;
 
 namespace host {
@@ -34,17 +36,17 @@ bool holdsLineEnd(const std::string& text) {
 // libcurl passes on whatever it is given here, also what ends the line and starts another one.
 Failure findFault(const HttpRequestData& request) {
   if (!isWord(request.method)) {
-    return {kMethodRefused, "the method is not one word"};
+    return {base::kMethodRefused, "the method is not one word"};
   }
   if (request.url.find('\0') != std::string::npos) {
-    return {kUrlRefused, "the URL holds a NUL"};
+    return {base::kUrlRefused, "the URL holds a NUL"};
   }
   for (const auto& header : request.headers) {
     if (!isWord(header.first)) {
-      return {kHeaderRefused, "a header's name is not one word: " + header.first};
+      return {base::kHeaderRefused, "a header's name is not one word: " + header.first};
     }
     if (holdsLineEnd(header.second)) {
-      return {kHeaderRefused, "the value of header " + header.first + " holds CR, LF or NUL"};
+      return {base::kHeaderRefused, "the value of header " + header.first + " holds CR, LF or NUL"};
     }
   }
   return {0, ""};
@@ -77,7 +79,7 @@ Failure failureOf(CURLcode code, const CurlHandle& curl, bool isTooLarge) {
     return {0, ""};
   }
   if (isTooLarge) {
-    return {kAnswerTooLarge, "the answer is larger than ORVANE_MAX_ANSWER_BYTES"};
+    return {base::kResponseTooLarge, "the answer is larger than ORVANE_MAX_ANSWER_BYTES"};
   }
   return {code, curl.failureText(code)};
 }

@@ -17,16 +17,6 @@
 
 namespace host {
 
-// What HttpRequestRunner::PerformRequest returns when a transfer failed: libcurl's own number (1 to
-// 99, `man libcurl-errors`), or one of these for what libcurl does not test.
-enum HttpTransferFailure : int {
-  kMethodRefused = 1001,   // the method is not one word; nothing was sent
-  kUrlRefused = 1002,      // the URL holds a NUL; nothing was sent
-  kHeaderRefused = 1003,   // a header's name is not one word, or its value holds CR, LF or NUL;
-                           // nothing was sent
-  kAnswerTooLarge = 1004,  // the body of the answer grew beyond ORVANE_MAX_ANSWER_BYTES
-};
-
 // How every transfer travels: by https only, to a server whose certificate and name verify, on a
 // kept connection where there is one. No redirect is followed, no cookie kept, no password taken
 // from a .netrc file or a URL, and no proxy from the environment: a bearer token goes only where

@@ -4,20 +4,21 @@
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
+#include "base/DevicePaths.h"
 #include "platform/host/ConfigFile.h"
 #include "platform/host/RandomText.h"
 
 namespace host {
 namespace {
 
-const char kTokenFile[] = "/mnt/ext1/system/config/bookstore.cfg";
 const std::size_t kProofLength = 32;
 
 }  // namespace
 
 void provideRegistrationProof(ov_config* config) {
   const std::string key = orvane::utilities::BookStoreVersionProxy::configKeySacAccessToken();
-  if (config->file.devicePath() == kTokenFile && *ReadSecret(config, key.c_str(), "") == '\0') {
+  if (config->file.devicePath() == base::kTokenPath &&
+      *ReadSecret(config, key.c_str(), "") == '\0') {
     WriteSecret(config, key.c_str(), randomText(kProofLength).c_str());
   }
 }

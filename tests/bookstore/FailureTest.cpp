@@ -1,9 +1,10 @@
 #include "bookstore/Failure.h"
 
+#include <curl/curl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/host/HttpTransfer.h"
+#include "base/HttpResult.h"
 
 using bookstore::Failure;
 using bookstore::throwIfFailed;
@@ -48,15 +49,15 @@ TEST(FailureTest, EachSettingThatCausesAFailureIsNamedInItsRemedy) {
   EXPECT_THAT(remedy(CURLE_SSL_CACERT_BADFILE), HasSubstr("ORVANE_CA_FILE"));
   EXPECT_THAT(remedy(CURLE_SSL_PINNEDPUBKEYNOTMATCH), HasSubstr("ORVANE_PINNED_KEY"));
   EXPECT_THAT(remedy(CURLE_HTTP2_STREAM), HasSubstr("ORVANE_HTTP_VERSION"));
-  EXPECT_THAT(remedy(host::kAnswerTooLarge), HasSubstr("ORVANE_MAX_ANSWER_BYTES"));
+  EXPECT_THAT(remedy(base::kResponseTooLarge), HasSubstr("ORVANE_MAX_ANSWER_BYTES"));
 }
 
 TEST(FailureTest, TheHostsOwnResultsHaveWordsOfTheirOwn) {
   const auto what = [](int result) { return std::string(transferFailure(result, 0, kUrl).what()); };
-  EXPECT_THAT(what(host::kMethodRefused), HasSubstr("method"));
-  EXPECT_THAT(what(host::kUrlRefused), HasSubstr("NUL"));
-  EXPECT_THAT(what(host::kHeaderRefused), HasSubstr("header"));
-  EXPECT_THAT(what(host::kAnswerTooLarge), HasSubstr("too large"));
+  EXPECT_THAT(what(base::kMethodRefused), HasSubstr("method"));
+  EXPECT_THAT(what(base::kUrlRefused), HasSubstr("NUL"));
+  EXPECT_THAT(what(base::kHeaderRefused), HasSubstr("header"));
+  EXPECT_THAT(what(base::kResponseTooLarge), HasSubstr("too large"));
 }
 
 TEST(FailureTest, AnUnusualResultIsGivenByItsNumber) {

@@ -8,7 +8,7 @@
 #include <curl/curl.h>
 #include <gmock/gmock.h>
 
-#include "platform/host/HttpTransfer.h"
+#include "base/HttpResult.h"
 #include "tests/platform/host/HttpTest.h"
 
 using ::testing::HasSubstr;
@@ -134,22 +134,22 @@ TEST_F(HttpRequestRunnerTest, RejectsMoreBodyThanTheReadCallbackWasAskedFor) {
 
 TEST_F(HttpRequestRunnerTest, RefusesAHeaderValueThatWouldEndItsLine) {
   for (const std::string value : {"a\rb", "a\nb", "a\r\nX-Injected: 1"}) {
-    EXPECT_EQ(getWithHeader("X-Value", value).result, host::kHeaderRefused) << value;
+    EXPECT_EQ(getWithHeader("X-Value", value).result, base::kHeaderRefused) << value;
   }
-  EXPECT_EQ(getWithHeader("X-Value", std::string("a\0b", 3)).result, host::kHeaderRefused);
+  EXPECT_EQ(getWithHeader("X-Value", std::string("a\0b", 3)).result, base::kHeaderRefused);
   EXPECT_THAT(get("/connection").body, HasSubstr("\"number\":1,"));
 }
 
 TEST_F(HttpRequestRunnerTest, RefusesAHeaderNameThatIsNotOneWord) {
   for (const std::string name : {"", "a b", "a:", "a\r", "a\n", "a;", "\xc3\xa4"}) {
-    EXPECT_EQ(getWithHeader(name, "value").result, host::kHeaderRefused) << name;
+    EXPECT_EQ(getWithHeader(name, "value").result, base::kHeaderRefused) << name;
   }
-  EXPECT_EQ(getWithHeader(std::string("a\0", 2), "value").result, host::kHeaderRefused);
+  EXPECT_EQ(getWithHeader(std::string("a\0", 2), "value").result, base::kHeaderRefused);
 }
 
 TEST_F(HttpRequestRunnerTest, RefusesAMethodThatIsNotOneWord) {
-  EXPECT_EQ(perform(HttpRequest("", url("/"))).result, host::kMethodRefused);
-  EXPECT_EQ(perform(HttpRequest("GET / HTTP/1.1\r\nX: ", url("/"))).result, host::kMethodRefused);
+  EXPECT_EQ(perform(HttpRequest("", url("/"))).result, base::kMethodRefused);
+  EXPECT_EQ(perform(HttpRequest("GET / HTTP/1.1\r\nX: ", url("/"))).result, base::kMethodRefused);
 }
 
 TEST_F(HttpRequestRunnerTest, RefusesAnEmptyOrMalformedUrl) {
@@ -160,7 +160,7 @@ TEST_F(HttpRequestRunnerTest, RefusesAnEmptyOrMalformedUrl) {
     EXPECT_EQ(answer.body, "");
   }
   EXPECT_EQ(getFrom(url("/\r\nX-Injected: 1")).result, CURLE_URL_MALFORMAT);
-  EXPECT_EQ(getFrom(url(std::string("/echo\0", 6))).result, host::kUrlRefused);
+  EXPECT_EQ(getFrom(url(std::string("/echo\0", 6))).result, base::kUrlRefused);
 }
 
 TEST_F(HttpRequestRunnerTest, RefusesAUrlThatIsTooLongForLibcurl) {
@@ -369,7 +369,7 @@ TEST_F(HttpRequestRunnerTest, AcceptsAnAnswerUpToTheLargestSize) {
   set("ORVANE_MAX_ANSWER_BYTES", "10");
   EXPECT_EQ(get("/gzip").body, "compressed");
   set("ORVANE_MAX_ANSWER_BYTES", "9");
-  EXPECT_EQ(get("/gzip").result, host::kAnswerTooLarge);
+  EXPECT_EQ(get("/gzip").result, base::kResponseTooLarge);
   set("ORVANE_MAX_ANSWER_BYTES", "4294967297");  // 1 in 32 bits
   EXPECT_EQ(get("/gzip").body, "compressed");
 }
@@ -377,7 +377,7 @@ TEST_F(HttpRequestRunnerTest, AcceptsAnAnswerUpToTheLargestSize) {
 TEST_F(HttpRequestRunnerTest, StopsAnAnswerThatGrowsTooLarge) {
   for (const std::string path : {"/endless", "/bomb"}) {
     const Answer answer = get(path);
-    EXPECT_EQ(answer.result, host::kAnswerTooLarge) << path;
+    EXPECT_EQ(answer.result, base::kResponseTooLarge) << path;
     EXPECT_EQ(answer.body, "");
   }
 }
@@ -387,7 +387,7 @@ TEST_F(HttpRequestRunnerTest, CountsTheBodyThatItDropsToo) {
   Headers headers;
   const HttpRequest request("GET", url("/endless"));
   EXPECT_EQ(HttpRequestRunner().PerformRequest(request, &status, &headers, {}, {}, {}),
-            host::kAnswerTooLarge);
+            base::kResponseTooLarge);
 }
 
 TEST_F(HttpRequestRunnerTest, StopsHeadersWithoutAnEnd) {
