@@ -1,44 +1,65 @@
 #include "bookstore/commands/SampleQueue.h"
 
+#include <algorithm>
 #include <optional>
 
 #include <json/json.h>
 
+#include "base/DevicePaths.h"
 #include "bookstore/Failure.h"
+
+using sample_app::LockedQueue;
 
 namespace bookstore {
 
 namespace {
 
-const char kQueue[] = "the queue of samples, /tmp/sample.queue,";
+std::string queueName() {
+  return std::string("the queue of samples, ") + base::kSampleQueuePath + ",";
+}
 
-}  // namespace
-
-LockedSampleQueue::LockedSampleQueue() {
-  if (!queue_.isHeld()) {
-    throw Failure(kLocalFailure, std::string(kQueue) + " cannot be opened and locked",
+void requireHeld(const LockedQueue& queue) {
+  if (!queue.isHeld()) {
+    throw Failure(kLocalFailure, queueName() + " cannot be opened and locked",
                   "see the log lines above, and whether the file belongs to another user");
   }
 }
 
-void LockedSampleQueue::replace(const std::vector<SampleItem>& items) {
-  if (!queue_.replace(items)) {
-    throw Failure(kLocalFailure, std::string(kQueue) + " could not be rewritten",
-                  "see whether /tmp has room, and what bookstore sample list shows");
-  }
-}
+}  // namespace
 
 std::vector<SampleItem> queuedSamples() {
-  return LockedSampleQueue().items();
+  LockedQueue queue;
+  requireHeld(queue);
+  return queue.items();
 }
 
 SampleItem oldestSample() {
   const std::optional<SampleItem> item = sample_app::oldestItem();
   if (!item) {
-    const LockedSampleQueue queue;  // one that cannot be opened is none that is empty
+    requireHeld(LockedQueue());  // one that cannot be opened is none that is empty
     throw Failure(kNoSession, "no sample is in the queue", "bookstore sample add");
   }
   return *item;
+}
+
+// Not the library's removeSample(), which does not tell whether there was anything to remove.
+SampleItem removeSample(const std::string& bookId) {
+  LockedQueue queue;
+  requireHeld(queue);
+  std::vector<SampleItem> items = queue.items();
+  const auto found = std::find_if(items.begin(), items.end(),
+                                  [&](const SampleItem& item) { return item.bookId == bookId; });
+  if (found == items.end()) {
+    throw Failure(kNoSession, "no sample of the book '" + bookId + "' is in the queue",
+                  "one that bookstore sample list shows");
+  }
+  SampleItem removed = *found;
+  items.erase(found);
+  if (!queue.replace(items)) {
+    throw Failure(kLocalFailure, queueName() + " could not be rewritten",
+                  "see whether /tmp has room, and what bookstore sample list shows");
+  }
+  return removed;
 }
 
 Json::Value toJson(const SampleItem& item) {

@@ -1,11 +1,8 @@
 // The commands that show the queue of samples, or take an item out of it.
 
-#include <algorithm>
-
 #include <json/json.h>
 
 #include "bookstore/Commands.h"
-#include "bookstore/Failure.h"
 #include "bookstore/commands/SampleQueue.h"
 #include "bookstore/terminal/Table.h"
 
@@ -34,22 +31,6 @@ void printForPeople(Output& output, const std::vector<SampleItem>& items) {
   output.print(table);
 }
 
-// Not the library's removeSample(), which does not tell whether there was anything to remove.
-SampleItem takeOut(const std::string& bookId) {
-  LockedSampleQueue queue;
-  std::vector<SampleItem> items = queue.items();
-  const auto found = std::find_if(items.begin(), items.end(),
-                                  [&](const SampleItem& item) { return item.bookId == bookId; });
-  if (found == items.end()) {
-    throw Failure(kNoSession, "no sample of the book '" + bookId + "' is in the queue",
-                  "one that bookstore sample list shows");
-  }
-  SampleItem taken = *found;
-  items.erase(found);
-  queue.replace(items);
-  return taken;
-}
-
 }  // namespace
 
 void runSampleList(Context& context) {
@@ -71,7 +52,7 @@ void runSampleNext(Context& context) {
 }
 
 void runSampleRemove(Context& context) {
-  const SampleItem item = takeOut(context.arguments.text("BOOK"));
+  const SampleItem item = removeSample(context.arguments.text("BOOK"));
   context.output.printResult("Removed the sample of the book " + item.bookId + " for " +
                                  item.sampleFilePath + " from the queue",
                              toJson(item));
