@@ -59,11 +59,6 @@ const std::vector<Setting>& allSettings() {
 
 namespace {
 
-std::string environmentText(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
 // Parses all of `digits` as a number within the bounds.
 bool parseNumber(const std::string& digits, long long lowest, long long highest,
                  long long* result) {
@@ -104,6 +99,11 @@ std::string absolutePath(const std::string& path) {
 }
 
 }  // namespace
+
+std::string environmentText(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
 
 std::string text(const Setting& setting) {
   const std::string value = environmentText(setting.name);

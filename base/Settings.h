@@ -36,6 +36,9 @@ extern const Setting kStoreVersion;
 // Every setting, in the order of the manual page.
 const std::vector<Setting>& allSettings();
 
+// The environment variable `name`; empty when it is not set.
+std::string environmentText(const char* name);
+
 // The text of a setting: the environment's, or the fallback.
 std::string text(const Setting& setting);
 

@@ -1,5 +1,6 @@
-// What a command of the program is: a row of the table in Commands.cpp, and one function. The
-// parser and --help are made from these rows.
+// What a command of the program is: a row of the table (Commands.h) and one function. The parser
+// and
+// --help are made from these rows.
 
 #ifndef BOOKSTORE_COMMAND_H_
 #define BOOKSTORE_COMMAND_H_
@@ -61,16 +62,6 @@ struct Command {
   // stands before its commands.
   void (*run)(Context& context);
 };
-
-// The table, in the order of --help.
-const std::vector<Command>& commands();
-
-// The options of every command.
-const std::vector<Option>& commonOptions();
-
-// The options that print a text and end the program.
-const Option& helpOption();
-const Option& versionOption();
 
 }  // namespace bookstore
 

@@ -1,6 +1,19 @@
 #include "bookstore/Commands.h"
 
+#include "bookstore/Completion.h"
+#include "bookstore/commands/AccountCommands.h"
+#include "bookstore/commands/CookiesCommand.h"
+#include "bookstore/commands/HeadersCommand.h"
+#include "bookstore/commands/OpenCommand.h"
 #include "bookstore/commands/Password.h"
+#include "bookstore/commands/SampleAddCommand.h"
+#include "bookstore/commands/SampleDetailsCommands.h"
+#include "bookstore/commands/SampleQueueCommands.h"
+#include "bookstore/commands/SampleWorkCommand.h"
+#include "bookstore/commands/SessionCommands.h"
+#include "bookstore/commands/SignInCommand.h"
+#include "bookstore/commands/StatusCommand.h"
+#include "bookstore/commands/StoresCommand.h"
 
 namespace bookstore {
 

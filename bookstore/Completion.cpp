@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
+#include <json/json.h>
+
+#include "bookstore/Commands.h"
+
 namespace bookstore {
 
 namespace {
@@ -315,6 +319,21 @@ std::string fishCompletion(const std::vector<Command>& table) {
          "end\n"
          "complete -c bookstore -f\n" +
          lines;
+}
+
+void runCompletion(Context& context) {
+  const std::string shell = context.arguments.text("SHELL");
+  const std::string script = shell == "bash"  ? bashCompletion(commands())
+                             : shell == "zsh" ? zshCompletion(commands())
+                                              : fishCompletion(commands());
+  if (!context.output.isJson()) {
+    context.output.print(script);
+    return;
+  }
+  Json::Value document;
+  document["shell"] = shell;
+  document["script"] = script;
+  context.output.printJson(document);
 }
 
 }  // namespace bookstore

@@ -17,6 +17,9 @@ std::string bashCompletion(const std::vector<Command>& table);
 std::string zshCompletion(const std::vector<Command>& table);
 std::string fishCompletion(const std::vector<Command>& table);
 
+// bookstore completion: prints the script of one shell.
+void runCompletion(Context& context);
+
 }  // namespace bookstore
 
 #endif  // BOOKSTORE_COMPLETION_H_

@@ -92,8 +92,4 @@ void throwIfFailed(const graphql::GraphQLStorageApi::ErrorInfo& info, const std:
   }
 }
 
-Failure noStoreKnown() {
-  return Failure(kNoSession, "no store is known", "bookstore stores --refresh");
-}
-
 }  // namespace bookstore

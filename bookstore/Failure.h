@@ -34,9 +34,6 @@ Failure transferFailure(int result, int status, const std::string& url);
 // throws a Failure.
 void throwIfFailed(const graphql::GraphQLStorageApi::ErrorInfo& info, const std::string& url);
 
-// The store list is empty where a store is needed.
-Failure noStoreKnown();
-
 }  // namespace bookstore
 
 #endif  // BOOKSTORE_FAILURE_H_

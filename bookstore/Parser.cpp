@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "base/Settings.h"
+#include "bookstore/Commands.h"
 #include "bookstore/ExitCode.h"
 #include "bookstore/Failure.h"
 #include "bookstore/terminal/Table.h"

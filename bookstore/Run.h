@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "bookstore/Command.h"
+#include "bookstore/Commands.h"
 #include "bookstore/terminal/Terminal.h"
 
 namespace bookstore {

@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "bookstore/Run.h"
-#include "bookstore/terminal/StandardStreams.h"
+#include "bookstore/terminal/Terminal.h"
 
 int main(int argc, char** argv) {
   bookstore::occupyStandardStreams();

@@ -19,6 +19,7 @@
 
 #include <json/json.h>
 
+#include "base/Settings.h"
 #include "bookstore/Failure.h"
 
 namespace bookstore {
@@ -113,9 +114,9 @@ std::string compact(const Json::Value& value) {
 }  // namespace
 
 std::string findBrowser() {
-  const char* path = std::getenv("PATH");
+  const std::string path = base::environmentText("PATH");
   for (const char* name : {"chromium", "chromium-browser", "google-chrome"}) {
-    std::istringstream folders(path == nullptr ? "" : path);
+    std::istringstream folders(path);
     for (std::string folder; std::getline(folders, folder, ':');) {
       std::string program = folder + "/" + name;
       if (!folder.empty() && ::access(program.c_str(), X_OK) == 0) {

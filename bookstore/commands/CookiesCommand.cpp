@@ -1,6 +1,7 @@
+#include "bookstore/commands/CookiesCommand.h"
+
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/BrowserSession.h"
 #include "bookstore/terminal/Table.h"

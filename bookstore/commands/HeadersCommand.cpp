@@ -1,9 +1,10 @@
+#include "bookstore/commands/HeadersCommand.h"
+
 #include <map>
 #include <string>
 
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/StoreChoice.h"
 #include "bookstore/terminal/Table.h"

@@ -1,10 +1,11 @@
+#include "bookstore/commands/OpenCommand.h"
+
 #include <sstream>
 
 #include <json/json.h>
 
 #include "base/HttpSettings.h"
 #include "base/Settings.h"
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/Browser.h"
 #include "bookstore/commands/BrowserSession.h"

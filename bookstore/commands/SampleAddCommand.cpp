@@ -1,3 +1,5 @@
+#include "bookstore/commands/SampleAddCommand.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 
 #include "base/DevicePaths.h"
 #include "base/Settings.h"
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/SampleQueue.h"
 #include "bookstore/commands/SampleText.h"

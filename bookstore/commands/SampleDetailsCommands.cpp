@@ -1,8 +1,7 @@
-// The commands that ask a store about one book.
+#include "bookstore/commands/SampleDetailsCommands.h"
 
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/Request.h"
 #include "bookstore/commands/SampleText.h"

@@ -1,8 +1,7 @@
-// The commands that show the queue of samples, or take an item out of it.
+#include "bookstore/commands/SampleQueueCommands.h"
 
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/commands/SampleQueue.h"
 #include "bookstore/terminal/Table.h"
 

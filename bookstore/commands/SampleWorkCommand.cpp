@@ -1,10 +1,11 @@
+#include "bookstore/commands/SampleWorkCommand.h"
+
 #include <chrono>
 #include <csignal>
 #include <optional>
 
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/SampleQueue.h"
 #include "bookstore/terminal/ProgressBar.h"

@@ -1,7 +1,8 @@
+#include "bookstore/commands/SignInCommand.h"
+
 #include <json/json.h>
 
 #include "base/HttpResult.h"
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/CustomerText.h"
 #include "bookstore/commands/Password.h"

@@ -1,3 +1,5 @@
+#include "bookstore/commands/StatusCommand.h"
+
 #include <chrono>
 #include <optional>
 #include <string>
@@ -8,7 +10,6 @@
 
 #include "base/DevicePaths.h"
 #include "base/Settings.h"
-#include "bookstore/Commands.h"
 #include "bookstore/commands/DeviceFiles.h"
 #include "bookstore/commands/StoreChoice.h"
 #include "bookstore/terminal/Table.h"

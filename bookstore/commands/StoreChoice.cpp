@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "bookstore/Failure.h"
-
 using graphql::GraphQLStorageApi;
 
 namespace bookstore {
@@ -31,6 +29,10 @@ StoreInfoList storesWith(const StoreInfoList& stores, std::string StoreInfo::*me
 }
 
 }  // namespace
+
+Failure noStoreKnown() {
+  return Failure(kNoSession, "no store is known", "bookstore stores --refresh");
+}
 
 StoreInfo findStore(const StoreInfoList& stores, const std::string& id) {
   if (stores.empty()) {

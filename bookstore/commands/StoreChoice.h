@@ -6,8 +6,12 @@
 #include <string>
 
 #include "bookstore/Command.h"
+#include "bookstore/Failure.h"
 
 namespace bookstore {
+
+// The store list is empty where a store is needed.
+Failure noStoreKnown();
 
 // The one store whose providerID is `id` or, where there is none, whose storeCode is. Throws
 // Failure when no store is meant, or more than one.

@@ -1,9 +1,11 @@
+#include "bookstore/commands/StoresCommand.h"
+
 #include <json/json.h>
 
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/DeviceFiles.h"
 #include "bookstore/commands/Request.h"
+#include "bookstore/commands/StoreChoice.h"
 #include "bookstore/terminal/Table.h"
 
 using graphql::GraphQLStorageApi;

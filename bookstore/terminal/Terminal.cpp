@@ -1,26 +1,30 @@
 #include "bookstore/terminal/Terminal.h"
 
-#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <string>
+
+#include "base/Settings.h"
 
 namespace bookstore {
 
-namespace {
-
-std::string environmentText(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
-}  // namespace
-
 bool movesCursor() {
-  const std::string kind = environmentText("TERM");
+  const std::string kind = base::environmentText("TERM");
   return !kind.empty() && kind != "dumb";
 }
 
 bool wantsColor() {
-  return movesCursor() && environmentText("NO_COLOR").empty();
+  return movesCursor() && base::environmentText("NO_COLOR").empty();
+}
+
+void occupyStandardStreams() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    if (::fcntl(descriptor, F_GETFD) == -1) {
+      // The lowest number that is free is this one.
+      ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+  }
 }
 
 }  // namespace bookstore

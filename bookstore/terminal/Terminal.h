@@ -20,6 +20,11 @@ bool movesCursor();
 // True when the person wants colour: the terminal can, and NO_COLOR is unset or empty.
 bool wantsColor();
 
+// Gives each standard stream that the caller closed a descriptor on which it fails, so that no file
+// or connection opened later takes its number and receives what was meant for the stream. For the
+// main thread, before anything else.
+void occupyStandardStreams();
+
 }  // namespace bookstore
 
 #endif  // BOOKSTORE_TERMINAL_TERMINAL_H_

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "bookstore/Command.h"
+#include "bookstore/Commands.h"
 #include "bookstore/ExitCode.h"
 
 using ::testing::HasSubstr;

@@ -1,4 +1,4 @@
-#include "bookstore/terminal/StandardStreams.h"
+#include "bookstore/terminal/Terminal.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -12,7 +12,7 @@
 using bookstore::occupyStandardStreams;
 using support::passesInNewProcess;
 
-TEST(StandardStreamsTest, KeepsTheNumbersOfClosedStreamsFromFiles) {
+TEST(TerminalTest, KeepsTheNumbersOfClosedStreamsFromFiles) {
   EXPECT_TRUE(passesInNewProcess([] {
     ::close(STDIN_FILENO);
     ::close(STDOUT_FILENO);
@@ -22,7 +22,7 @@ TEST(StandardStreamsTest, KeepsTheNumbersOfClosedStreamsFromFiles) {
   }));
 }
 
-TEST(StandardStreamsTest, LetsClosedStreamsFail) {
+TEST(TerminalTest, LetsClosedStreamsFail) {
   EXPECT_TRUE(passesInNewProcess([] {
     char byte = 'x';
     for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
@@ -37,7 +37,7 @@ TEST(StandardStreamsTest, LetsClosedStreamsFail) {
   }));
 }
 
-TEST(StandardStreamsTest, LeavesOpenStreamsAlone) {
+TEST(TerminalTest, LeavesOpenStreamsAlone) {
   EXPECT_TRUE(passesInNewProcess([] {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);

@@ -1,7 +1,8 @@
+#include "bookstore/commands/SessionCommands.h"
+
 #include <json/json.h>
 
 #include "base/HttpResult.h"
-#include "bookstore/Commands.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/Request.h"
 #include "bookstore/commands/Session.h"
@@ -12,6 +13,16 @@ using graphql::GraphQLStorageApi;
 namespace bookstore {
 
 namespace {
+
+GraphQLStorageApi::UserInfo askForProfile(const Context& context,
+                                          const GraphQLStorageApi::StoreInfo& store) {
+  const FailureListener listener(context.api);
+  GraphQLStorageApi::UserInfo info;
+  const auto error = waitFor(context, [&] { return context.api.userInfo(store, &info); });
+  requireAnswer(listener, error, store.apiUrl,
+                "answered without a customer: the session may have ended");
+  return info;
+}
 
 std::string tokenToSpend(const GraphQLStorageApi& storage) {
   std::string token = storage.refreshToken();
@@ -48,6 +59,22 @@ void refresh(const Context& context, const GraphQLStorageApi::StoreInfo& store,
 
 }  // namespace
 
+void runWhoami(Context& context) {
+  if (!context.storage->isLoggedIn()) {
+    throw notSignedIn();
+  }
+  const auto store = chooseStore(context);
+  const auto info = askForProfile(context, store);
+
+  Json::Value document;
+  document["email"] = info.email;
+  document["firstName"] = info.firstname;
+  document["lastName"] = info.lastname;
+  document["store"] = store.providerID;
+  context.output.printResult(
+      info.firstname + " " + info.lastname + " <" + info.email + "> at " + nameOf(store), document);
+}
+
 // A refresh token can be spent once: of two processes that read the same one, the second finds the
 // tokens of the first.
 void runRefresh(Context& context) {
@@ -64,6 +91,18 @@ void runRefresh(Context& context) {
   context.output.printResult(
       isOurs ? "Refreshed the tokens" : "Another process has refreshed the tokens meanwhile",
       document);
+}
+
+void runSignOut(Context& context) {
+  const SessionLock lock(context);
+  context.storage->reload();  // another process may have changed it until the lock was free
+  const bool wasSignedIn = context.storage->isLoggedIn();
+  context.storage->logoutOnlyFromStore();
+  requireTokensSaved("the tokens were forgotten", "", "");
+
+  Json::Value document;
+  document["wasSignedIn"] = wasSignedIn;
+  context.output.printResult(wasSignedIn ? "Signed out" : "Nobody was signed in", document);
 }
 
 }  // namespace bookstore
