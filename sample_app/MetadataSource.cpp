@@ -88,7 +88,7 @@ Lookup MetadataSource::checkSession() {
 std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
   const base::FileLock lock(base::hostPath(base::kSessionPath));
   if (lock.failure()) {
-    return without(Outcome::Unlocked, "the session cannot be locked: " + lock.failure().text());
+    return without(Outcome::LockFailed, "the session cannot be locked: " + lock.failure().text());
   }
   storage_->reload();
   if (storage_->accessToken() != refusedToken && isSignedIn()) {
@@ -118,7 +118,7 @@ Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
   if (failedStatus_ == 0 || base::isSessionRefused(failedStatus_)) {
     return without(Outcome::SignedOut, "the store refuses the session");
   }
-  return without(Outcome::InTrouble,
+  return without(Outcome::ServerError,
                  "the store answers with status " + std::to_string(failedStatus_));
 }
 

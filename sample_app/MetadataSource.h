@@ -19,8 +19,8 @@ class MetadataSource {
     Found,
     Unknown,      // the store has no such book: asking again is of no use
     Unreachable,  // no network: later it may work
-    InTrouble,    // the server answers with another status: later it may work
-    Unlocked,     // the session's lock cannot be taken
+    ServerError,  // the server answers with another status: later it may work
+    LockFailed,   // the session's lock cannot be taken
     SignedOut,    // nobody is signed in, or the session has ended
   };
 

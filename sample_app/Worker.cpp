@@ -60,7 +60,7 @@ Worker::End Worker::run() {
         return End::SignedOut;
     }
   }
-  return End::Asked;
+  return End::Stopped;
 }
 
 Worker::Step Worker::workOnOldest() {
@@ -85,9 +85,9 @@ Worker::Step Worker::work(const SampleItem& item) {
       return setAside(item, lookup.reason);
     case MetadataSource::Outcome::Unreachable:
       return postpone(Obstacle::Network, lookup.reason);
-    case MetadataSource::Outcome::InTrouble:
+    case MetadataSource::Outcome::ServerError:
       return postpone(Obstacle::Server, lookup.reason);
-    case MetadataSource::Outcome::Unlocked:
+    case MetadataSource::Outcome::LockFailed:
       return postpone(Obstacle::Files, lookup.reason);
     case MetadataSource::Outcome::SignedOut:
       listener_.signedOut(lookup.reason);

@@ -33,7 +33,7 @@ class Worker {
   };
 
   // Why run() returned.
-  enum class End { Drained, Postponed, SignedOut, Asked };
+  enum class End { Drained, Postponed, SignedOut, Stopped };
 
   // Keeps references to `waiter` and `listener`. `idle` is how long the queue has to stay empty
   // before run() leaves, `firstWait` the first wait after a postponed item: without one run()

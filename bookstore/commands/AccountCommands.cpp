@@ -3,10 +3,10 @@
 #include <json/json.h>
 
 #include "bookstore/Failure.h"
-#include "bookstore/commands/CustomerText.h"
 #include "bookstore/commands/Password.h"
 #include "bookstore/commands/Request.h"
 #include "bookstore/commands/StoreChoice.h"
+#include "bookstore/commands/Validation.h"
 
 using graphql::GraphQLApi;
 
@@ -15,9 +15,9 @@ namespace bookstore {
 void runRegister(Context& context) {
   const Arguments& arguments = context.arguments;
   const auto store = chooseStore(context);
-  const std::string email = sendableText(arguments, "--email");
-  const std::string firstName = sendableText(arguments, "--first-name");
-  const std::string lastName = sendableText(arguments, "--last-name");
+  const std::string email = utf8Option(arguments, "--email");
+  const std::string firstName = utf8Option(arguments, "--first-name");
+  const std::string lastName = utf8Option(arguments, "--last-name");
   const std::string password = readPassword(arguments, PasswordKind::New);
 
   throwIfFailed(send(context, store.apiUrl,
@@ -35,7 +35,7 @@ void runRegister(Context& context) {
 
 void runEmailAvailable(Context& context) {
   const auto store = chooseStore(context);
-  const std::string email = sendableText(context.arguments, "--email");
+  const std::string email = utf8Option(context.arguments, "--email");
   bool isAvailable = false;
   const auto error = send(context, store.apiUrl,
                           [&] { return context.api.isEmailAvailable(store, email, &isAvailable); });
@@ -58,7 +58,7 @@ void runEmailAvailable(Context& context) {
 
 void runResetPassword(Context& context) {
   const auto store = chooseStore(context);
-  const std::string email = sendableText(context.arguments, "--email");
+  const std::string email = utf8Option(context.arguments, "--email");
   throwIfFailed(
       send(context, store.apiUrl, [&] { return context.api.resetPassword(store, email); }),
       store.apiUrl);

@@ -3,7 +3,7 @@
 #include <json/json.h>
 
 #include "bookstore/Failure.h"
-#include "bookstore/commands/BrowserSession.h"
+#include "bookstore/commands/BrowserCookies.h"
 #include "bookstore/terminal/Table.h"
 
 namespace bookstore {
@@ -22,18 +22,18 @@ std::string formatOf(const Context& context) {
   return "json";
 }
 
-void printForPrograms(Output& output, const BrowserSession& session) {
+void printForPrograms(Output& output, const BrowserCookies& cookies) {
   Json::Value document;
-  document["url"] = session.url;
-  for (const auto& [name, value] : session.cookies) {
+  document["url"] = cookies.url;
+  for (const auto& [name, value] : cookies.values) {
     document["cookies"][name] = output.secret(value);
   }
   output.printJson(document);
 }
 
-void printForPeople(Output& output, const BrowserSession& session) {
+void printForPeople(Output& output, const BrowserCookies& cookies) {
   Table table({"COOKIE", "VALUE"});
-  for (const auto& [name, value] : session.cookies) {
+  for (const auto& [name, value] : cookies.values) {
     table.addRow({name, output.secret(value)});
   }
   output.print(table);
@@ -58,10 +58,10 @@ std::string cookieFileLine(const std::string& host, const std::string& name,
   return host + "\tFALSE\t/\tTRUE\t0\t" + name + "\t" + value + "\n";
 }
 
-void printCookieFile(Output& output, const BrowserSession& session) {
+void printCookieFile(Output& output, const BrowserCookies& cookies) {
   std::string lines = "# Netscape HTTP Cookie File\n";
-  for (const auto& [name, value] : session.cookies) {
-    lines += cookieFileLine(hostOf(session.url), name, value);
+  for (const auto& [name, value] : cookies.values) {
+    lines += cookieFileLine(hostOf(cookies.url), name, value);
   }
   output.print(lines);
 }
@@ -74,13 +74,13 @@ void runCookies(Context& context) {
     throw Failure(kUsage, "a cookie file with masked values is of no use",
                   "--format netscape --show-secrets");
   }
-  const BrowserSession session = browserSession();
+  const BrowserCookies cookies = browserCookies();
   if (format == "json") {
-    printForPrograms(context.output, session);
+    printForPrograms(context.output, cookies);
   } else if (format == "netscape") {
-    printCookieFile(context.output, session);
+    printCookieFile(context.output, cookies);
   } else {
-    printForPeople(context.output, session);
+    printForPeople(context.output, cookies);
   }
 }
 

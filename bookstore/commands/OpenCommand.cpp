@@ -8,7 +8,7 @@
 #include "base/Settings.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/Browser.h"
-#include "bookstore/commands/BrowserSession.h"
+#include "bookstore/commands/BrowserCookies.h"
 
 namespace bookstore {
 
@@ -59,13 +59,13 @@ std::vector<std::string> browserOptions(Output& output) {
                        : std::vector<std::string>{"--host-resolver-rules=" + rules};
 }
 
-void signIn(Browser& browser, const BrowserSession& session) {
+void signIn(Browser& browser, const BrowserCookies& cookies) {
   Json::Value parameters;
-  for (const auto& [name, value] : session.cookies) {
+  for (const auto& [name, value] : cookies.values) {
     Json::Value cookie;
     cookie["name"] = name;
     cookie["value"] = value;
-    cookie["url"] = session.url;
+    cookie["url"] = cookies.url;
     cookie["path"] = "/";
     cookie["secure"] = true;
     parameters["cookies"].append(cookie);
@@ -82,26 +82,26 @@ void show(Browser& browser, const std::string& url) {
 }  // namespace
 
 void runOpen(Context& context) {
-  const BrowserSession session = browserSession();
+  const BrowserCookies cookies = browserCookies();
   const std::string program = findBrowser();
   if (program.empty()) {
     throw Failure(kLocalFailure,
-                  "no browser of the Chromium family is in PATH to open " + session.url,
+                  "no browser of the Chromium family is in PATH to open " + cookies.url,
                   "another browser, with the cookies that `bookstore cookies --format netscape "
                   "--show-secrets` prints");
   }
   {
     Browser browser(program, browserOptions(context.output));
-    signIn(browser, session);
-    show(browser, session.url);
+    signIn(browser, cookies);
+    show(browser, cookies.url);
     context.output.note("waiting until the browser is closed");
     browser.waitUntilClosed();
   }
 
   Json::Value document;
-  document["url"] = session.url;
+  document["url"] = cookies.url;
   document["browser"] = program;
-  context.output.printResult("Closed: " + program + " showed " + session.url, document);
+  context.output.printResult("Closed: " + program + " showed " + cookies.url, document);
 }
 
 }  // namespace bookstore

@@ -9,8 +9,8 @@
 #include <system_error>
 
 #include "bookstore/Failure.h"
-#include "bookstore/commands/CustomerText.h"
-#include "bookstore/terminal/HiddenQuestion.h"
+#include "bookstore/commands/Validation.h"
+#include "bookstore/terminal/PasswordPrompt.h"
 
 namespace bookstore {
 
@@ -68,8 +68,8 @@ std::string readToTheEnd(int descriptor) {
 }
 
 std::string ask(PasswordKind kind) {
-  std::string password = askHidden("Password: ");
-  if (kind == PasswordKind::New && askHidden("Password again: ") != password) {
+  std::string password = askForPassword("Password: ");
+  if (kind == PasswordKind::New && askForPassword("Password again: ") != password) {
     throw Failure(kUsage, "the two passwords differ", "typing the same one twice");
   }
   return password;
@@ -88,7 +88,7 @@ std::string readPassword(const Arguments& arguments, PasswordKind kind) {
   if (password.empty()) {
     throw Failure(kUsage, "the password is empty", "one of at least one character");
   }
-  requireSendable("password", password);
+  requireUtf8("password", password);
   return password;
 }
 

@@ -12,7 +12,7 @@
 #include "base/Settings.h"
 #include "bookstore/Failure.h"
 #include "bookstore/commands/SampleQueue.h"
-#include "bookstore/commands/SampleText.h"
+#include "bookstore/commands/Validation.h"
 #include "graphql_api/GraphQLHeader.h"
 #include "sample_app/SamplePath.h"
 
@@ -53,7 +53,7 @@ void requireQueued(const SampleItem& item) {
 }  // namespace
 
 void runSampleAdd(Context& context) {
-  const SampleItem item = {bookIdOf(context.arguments), context.arguments.text("FILE")};
+  const SampleItem item = {validBookId(context.arguments), context.arguments.text("FILE")};
   requireUsablePath(item.sampleFilePath);
   const std::string application = base::hostPath(base::kSampleApplicationPath);
   const bool hasApplication = isInstalled(application);

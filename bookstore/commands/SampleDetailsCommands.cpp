@@ -3,10 +3,10 @@
 #include <json/json.h>
 
 #include "bookstore/Failure.h"
+#include "bookstore/commands/CustomerSession.h"
 #include "bookstore/commands/Request.h"
-#include "bookstore/commands/SampleText.h"
-#include "bookstore/commands/Session.h"
 #include "bookstore/commands/StoreChoice.h"
+#include "bookstore/commands/Validation.h"
 #include "bookstore/terminal/Table.h"
 
 using graphql::GraphQLApi;
@@ -21,7 +21,7 @@ using Operation = Metadata (GraphQLApi::*)(const GraphQLStorageApi::StoreInfo&, 
 
 Metadata ask(const Context& context, const GraphQLStorageApi::StoreInfo& store,
              Operation operation) {
-  const std::string bookId = bookIdOf(context.arguments);
+  const std::string bookId = validBookId(context.arguments);
   if (!context.storage->isLoggedIn()) {
     throw notSignedIn();
   }

@@ -192,7 +192,7 @@ void requireDrained(Worker::End end, const Report& report, std::size_t left) {
     case Worker::End::SignedOut:
       throw Failure(kNoSession, report.reason() + stay,
                     "bookstore sign-in, then bookstore sample work");
-    case Worker::End::Asked:  // only seen where the signal is one that the process ignores
+    case Worker::End::Stopped:  // only seen where the signal is one that the process ignores
       throw Failure(kLocalFailure, "stopped by a signal" + stay, "bookstore sample work");
   }
 }
@@ -222,7 +222,7 @@ void runSampleWork(Context& context) {
   const std::size_t left = queuedSamples().size();
   print(context.output, report, left);
   context.output.flush();
-  if (end == Worker::End::Asked) {
+  if (end == Worker::End::Stopped) {
     context.output.note("stopped; samples that stay in the queue: " + std::to_string(left));
   }
   requireDrained(end, report, left);

@@ -4,8 +4,8 @@
 
 #include "base/HttpResult.h"
 #include "bookstore/Failure.h"
+#include "bookstore/commands/CustomerSession.h"
 #include "bookstore/commands/Request.h"
-#include "bookstore/commands/Session.h"
 #include "bookstore/commands/StoreChoice.h"
 
 using graphql::GraphQLStorageApi;

@@ -4,11 +4,11 @@
 
 #include "base/HttpResult.h"
 #include "bookstore/Failure.h"
-#include "bookstore/commands/CustomerText.h"
+#include "bookstore/commands/CustomerSession.h"
 #include "bookstore/commands/Password.h"
 #include "bookstore/commands/Request.h"
-#include "bookstore/commands/Session.h"
 #include "bookstore/commands/StoreChoice.h"
+#include "bookstore/commands/Validation.h"
 
 using graphql::GraphQLStorageApi;
 
@@ -56,7 +56,7 @@ GraphQLStorageApi::LoginInfo signIn(const Context& context,
 
 void runSignIn(Context& context) {
   const auto store = chooseStore(context);
-  const std::string email = sendableText(context.arguments, "--email");
+  const std::string email = utf8Option(context.arguments, "--email");
   const std::string password = readPassword(context.arguments, PasswordKind::Known);
 
   const SessionLock lock(context);

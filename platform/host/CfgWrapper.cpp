@@ -2,7 +2,7 @@
 
 #include "base/Log.h"
 #include "platform/host/ConfigFile.h"
-#include "platform/host/RegistrationProof.h"
+#include "platform/host/RegistrationToken.h"
 
 namespace orvane {
 namespace utilities {
@@ -24,7 +24,7 @@ void CfgWrapper::save() {
     BASE_LOG_FAILURE("Nothing is saved: the configuration is closed already");
     return;
   }
-  host::provideRegistrationProof(handle);
+  host::ensureRegistrationToken(handle);
   handle->file.save();
 }
 

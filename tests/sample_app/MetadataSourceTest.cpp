@@ -65,7 +65,7 @@ TEST_F(MetadataSourceTest, AnotherStatusIsAServerInTrouble) {
   for (const long status : {500L, 503L, 429L, 404L, 302L}) {
     platform().http.answer(status, "<html>");
     const auto lookup = find();
-    EXPECT_EQ(lookup.outcome, Outcome::InTrouble) << status;
+    EXPECT_EQ(lookup.outcome, Outcome::ServerError) << status;
     EXPECT_THAT(lookup.reason, HasSubstr(std::to_string(status)));
   }
 }
@@ -91,13 +91,13 @@ TEST_F(MetadataSourceTest, NoBookWithoutAnAnswerAboutTheSessionWaits) {
   EXPECT_EQ(find().outcome, Outcome::Unreachable);
   answerNoBook();
   platform().http.answer(503, "");
-  EXPECT_EQ(find().outcome, Outcome::InTrouble);
+  EXPECT_EQ(find().outcome, Outcome::ServerError);
 }
 
 TEST_F(MetadataSourceTest, AnEarlierFailureDoesNotCountForTheNextBook) {
   MetadataSource source(storage);
   platform().http.answer(503, "");
-  EXPECT_EQ(source.find("b1").outcome, Outcome::InTrouble);
+  EXPECT_EQ(source.find("b1").outcome, Outcome::ServerError);
   answerNoBook();
   answerCustomer();
   EXPECT_EQ(source.find("b1").outcome, Outcome::Unknown);
@@ -169,7 +169,7 @@ TEST_F(MetadataSourceTest, ARefreshThatDoesNotGetThroughKeepsTheTokens) {
   EXPECT_EQ(find().outcome, Outcome::Unreachable);
   refuse();
   platform().http.answer(503, R"({"code":401})");
-  EXPECT_EQ(find().outcome, Outcome::InTrouble);
+  EXPECT_EQ(find().outcome, Outcome::ServerError);
   EXPECT_EQ(tokenFile()["fakeRefresh"], "refresh");
 }
 
@@ -178,7 +178,7 @@ TEST_F(MetadataSourceTest, WithoutTheLockOfTheSessionNothingIsRefreshed) {
       root.at("/mnt/ext1/system/config/.bookstore.cfg.session.lock/in the way"));
   refuse();
   const auto lookup = find();
-  EXPECT_EQ(lookup.outcome, Outcome::Unlocked);
+  EXPECT_EQ(lookup.outcome, Outcome::LockFailed);
   EXPECT_THAT(lookup.reason, HasSubstr("the session cannot be locked: "));
   EXPECT_THAT(asked(), ElementsAre("productDetails"));
 }

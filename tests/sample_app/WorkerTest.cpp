@@ -221,7 +221,7 @@ TEST_F(WorkerTest, AnItemThatComesLateStartsTheTimeAgain) {
 TEST_F(WorkerTest, WaitsLongerAndLongerForTheNetworkAndKeepsTheItem) {
   queueHolds({{"b1", "/mnt/ext1/books/1"}});
   waiter.endsAt = 8;
-  EXPECT_EQ(worker.run(), End::Asked);
+  EXPECT_EQ(worker.run(), End::Stopped);
   EXPECT_THAT(waiter.waits, ElementsAre(1000, 2000, 4000, 8000, 16000, 32000, 60000, 60000));
   EXPECT_THAT(queued(), ElementsAre("b1@/mnt/ext1/books/1"));
   EXPECT_THAT(platform().logTexts(kFailureLevel),
@@ -252,7 +252,7 @@ TEST_F(WorkerTest, WithNobodySignedInItSaysSoAndLeaves) {
 TEST_F(WorkerTest, EndsBetweenTwoItemsWhenAsked) {
   queueHolds({{"b1", "/mnt/ext1/books/1"}});
   waiter.endsAt = 0;
-  EXPECT_EQ(worker.run(), End::Asked);
+  EXPECT_EQ(worker.run(), End::Stopped);
   EXPECT_THAT(platform().http.requests, IsEmpty());
   EXPECT_THAT(queued(), SizeIs(1));
 }

@@ -23,7 +23,7 @@ using testing::MatchesRegex;
 namespace {
 
 const char kTokenFile[] = "/mnt/ext1/system/config/bookstore.cfg";
-const char kProofKey[] = "sacAccessToken";
+const char kTokenKey[] = "sacAccessToken";
 
 void save(const char* path) {
   CfgWrapper config(path, CfgWrapper::Write);
@@ -31,8 +31,8 @@ void save(const char* path) {
   config.save();
 }
 
-std::string proof(const char* path = kTokenFile) {
-  return CfgWrapper(path, CfgWrapper::Read).read<CfgSecret>(kProofKey, CfgSecret());
+std::string registrationToken(const char* path = kTokenFile) {
+  return CfgWrapper(path, CfgWrapper::Read).read<CfgSecret>(kTokenKey, CfgSecret());
 }
 
 }  // namespace
@@ -49,49 +49,49 @@ TEST(BookStoreVersionProxyTest, NamesTheKeysOfTheTokenFile) {
   EXPECT_EQ(BookStoreVersionProxy::configKeyAccessToken(), "accessToken");
   EXPECT_EQ(BookStoreVersionProxy::configKeyRefreshToken(), "refreshToken");
   EXPECT_EQ(BookStoreVersionProxy::configKeyExpirationToken(), "tokenExpiration");
-  EXPECT_EQ(BookStoreVersionProxy::configKeySacAccessToken(), kProofKey);
+  EXPECT_EQ(BookStoreVersionProxy::configKeySacAccessToken(), kTokenKey);
 }
 
-TEST(RegistrationProofTest, StandsInTheTokenFileOnceItIsSaved) {
+TEST(RegistrationTokenTest, StandsInTheTokenFileOnceItIsSaved) {
   const TemporaryRoot root;
   save(kTokenFile);
-  EXPECT_THAT(proof(), MatchesRegex("[A-Z0-9]{32}"));
-  EXPECT_THAT(CfgWrapper(kTokenFile, CfgWrapper::Read).keys(), ElementsAre(kProofKey, "storeUrl"));
+  EXPECT_THAT(registrationToken(), MatchesRegex("[A-Z0-9]{32}"));
+  EXPECT_THAT(CfgWrapper(kTokenFile, CfgWrapper::Read).keys(), ElementsAre(kTokenKey, "storeUrl"));
   EXPECT_EQ(root.log(), "");
 }
 
-TEST(RegistrationProofTest, StandsThereAfterSavingAndClosingToo) {
+TEST(RegistrationTokenTest, StandsThereAfterSavingAndClosingToo) {
   const TemporaryRoot root;
   CfgWrapper(kTokenFile, CfgWrapper::Write).saveAndClose();
-  EXPECT_NE(proof(), "");
+  EXPECT_NE(registrationToken(), "");
 }
 
-TEST(RegistrationProofTest, IsMadeOnce) {
+TEST(RegistrationTokenTest, IsMadeOnce) {
   const TemporaryRoot root;
   save(kTokenFile);
-  const std::string first = proof();
+  const std::string first = registrationToken();
   save(kTokenFile);
-  EXPECT_EQ(proof(), first);
+  EXPECT_EQ(registrationToken(), first);
 }
 
-TEST(RegistrationProofTest, IsMadeAnewWhenItCannotBeOpened) {
+TEST(RegistrationTokenTest, IsMadeAnewWhenItCannotBeOpened) {
   const TemporaryRoot root;
   save(kTokenFile);
-  const std::string first = proof();
+  const std::string first = registrationToken();
   std::filesystem::remove(root.at("/mnt/secure/secret.key"));
   save(kTokenFile);
-  EXPECT_THAT(proof(), MatchesRegex("[A-Z0-9]{32}"));
-  EXPECT_NE(proof(), first);
+  EXPECT_THAT(registrationToken(), MatchesRegex("[A-Z0-9]{32}"));
+  EXPECT_NE(registrationToken(), first);
 }
 
-TEST(RegistrationProofTest, StandsInNoOtherFile) {
+TEST(RegistrationTokenTest, StandsInNoOtherFile) {
   const TemporaryRoot root;
   save("/mnt/ext1/system/config/other.cfg");
-  EXPECT_EQ(proof("/mnt/ext1/system/config/other.cfg"), "");
+  EXPECT_EQ(registrationToken("/mnt/ext1/system/config/other.cfg"), "");
 }
 
-TEST(RegistrationProofTest, ReadingTheTokenFileMakesNothing) {
+TEST(RegistrationTokenTest, ReadingTheTokenFileMakesNothing) {
   const TemporaryRoot root;
-  EXPECT_EQ(proof(), "");
+  EXPECT_EQ(registrationToken(), "");
   EXPECT_FALSE(std::filesystem::exists(root.path()));
 }

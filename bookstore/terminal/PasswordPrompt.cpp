@@ -1,4 +1,4 @@
-#include "bookstore/terminal/HiddenQuestion.h"
+#include "bookstore/terminal/PasswordPrompt.h"
 
 #include <fcntl.h>
 #include <termios.h>
@@ -82,7 +82,7 @@ std::optional<std::string> askOnce(int terminal, const std::string& question) {
 
 }  // namespace
 
-std::string askHidden(const std::string& question) {
+std::string askForPassword(const std::string& question) {
   const base::Descriptor terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (!terminal.isOpen()) {
     throw terminalFailure("there is no terminal to ask on");

@@ -1,4 +1,4 @@
-#include "platform/host/RegistrationProof.h"
+#include "platform/host/RegistrationToken.h"
 
 #include <string>
 
@@ -11,15 +11,15 @@
 namespace host {
 namespace {
 
-const std::size_t kProofLength = 32;
+const std::size_t kTokenLength = 32;
 
 }  // namespace
 
-void provideRegistrationProof(ov_config* config) {
+void ensureRegistrationToken(ov_config* config) {
   const std::string key = orvane::utilities::BookStoreVersionProxy::configKeySacAccessToken();
   if (config->file.devicePath() == base::kTokenPath &&
       *ReadSecret(config, key.c_str(), "") == '\0') {
-    WriteSecret(config, key.c_str(), randomText(kProofLength).c_str());
+    WriteSecret(config, key.c_str(), randomText(kTokenLength).c_str());
   }
 }
 

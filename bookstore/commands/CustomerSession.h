@@ -1,7 +1,7 @@
 // What the commands that use or change the customer's session share.
 
-#ifndef BOOKSTORE_COMMANDS_SESSION_H_
-#define BOOKSTORE_COMMANDS_SESSION_H_
+#ifndef BOOKSTORE_COMMANDS_CUSTOMERSESSION_H_
+#define BOOKSTORE_COMMANDS_CUSTOMERSESSION_H_
 
 #include <optional>
 #include <string>
@@ -44,4 +44,4 @@ std::string remainingSession();
 
 }  // namespace bookstore
 
-#endif  // BOOKSTORE_COMMANDS_SESSION_H_
+#endif  // BOOKSTORE_COMMANDS_CUSTOMERSESSION_H_

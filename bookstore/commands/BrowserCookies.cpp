@@ -1,19 +1,19 @@
-#include "bookstore/commands/BrowserSession.h"
+#include "bookstore/commands/BrowserCookies.h"
 
 #include <orvane/utilities/BookStoreVersionProxy.h>
 
 #include "base/Settings.h"
 #include "bookstore/Failure.h"
-#include "bookstore/commands/Session.h"
+#include "bookstore/commands/CustomerSession.h"
 #include "graphql_api/GraphQLHeader.h"
 
 namespace bookstore {
 
-BrowserSession browserSession() {
-  BrowserSession session;
-  ::getBrowserCookies(&session.cookies, &session.url);
-  if (!session.cookies.empty()) {
-    return session;
+BrowserCookies browserCookies() {
+  BrowserCookies cookies;
+  ::getBrowserCookies(&cookies.values, &cookies.url);
+  if (!cookies.values.empty()) {
+    return cookies;
   }
   const int generation = orvane::utilities::BookStoreVersionProxy::storeVersion(false);
   if (generation != 3) {

@@ -1,5 +1,6 @@
-#include "bookstore/commands/CustomerText.h"
+#include "bookstore/commands/Validation.h"
 
+#include "base/BookId.h"
 #include "base/VisibleText.h"
 #include "bookstore/Failure.h"
 
@@ -25,7 +26,7 @@ std::size_t characterLength(const std::string& text, std::size_t position) {
 
 }  // namespace
 
-void requireSendable(const std::string& name, const std::string& text) {
+void requireUtf8(const std::string& name, const std::string& text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t length = characterLength(text, at);
     if (length == 0) {
@@ -39,10 +40,20 @@ void requireSendable(const std::string& name, const std::string& text) {
   }
 }
 
-std::string sendableText(const Arguments& arguments, const std::string& option) {
+std::string utf8Option(const Arguments& arguments, const std::string& option) {
   std::string text = arguments.text(option);
-  requireSendable("text after " + option, text);
+  requireUtf8("text after " + option, text);
   return text;
+}
+
+std::string validBookId(const Arguments& arguments) {
+  std::string bookId = arguments.text("BOOK");
+  if (!base::isValidBookId(bookId)) {
+    throw Failure(kUsage,
+                  "nothing was sent or queued: the book's identifier is not one that a store gives",
+                  "1 to 255 ASCII characters without blanks, quotes and backslashes, such as MTAz");
+  }
+  return bookId;
 }
 
 }  // namespace bookstore

@@ -1,4 +1,4 @@
-#include "bookstore/commands/Session.h"
+#include "bookstore/commands/CustomerSession.h"
 
 #include "base/DevicePaths.h"
 #include "base/HttpResult.h"
