@@ -12,7 +12,7 @@
 #include "graphql_api/JsonText.h"
 #include "graphql_api/Log.h"
 #include "graphql_api/Price.h"
-#include "graphql_api/Text.h"
+#include "graphql_api/StringUtils.h"
 
 using orvane::utilities::HttpRequest;
 using orvane::utilities::HttpRequestRunner;

@@ -9,7 +9,7 @@
 #include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "graphql_api/Log.h"
-#include "graphql_api/Text.h"
+#include "graphql_api/StringUtils.h"
 
 std::string deviceModel;
 std::string softwareVersion;

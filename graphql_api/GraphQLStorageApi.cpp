@@ -13,7 +13,7 @@
 #include <boost/optional.hpp>
 
 #include "graphql_api/Log.h"
-#include "graphql_api/Text.h"
+#include "graphql_api/StringUtils.h"
 
 using orvane::utilities::BookStoreVersionProxy;
 using orvane::utilities::CfgSecret;

@@ -8,7 +8,7 @@
 
 #include <json/json.h>
 
-#include "graphql_api/Text.h"
+#include "graphql_api/StringUtils.h"
 
 namespace graphql {
 

@@ -1,12 +1,12 @@
-#include "graphql_api/Text.h"
+#include "graphql_api/StringUtils.h"
 
 #include <cstdio>
 
 namespace graphql {
 
-std::string joined(std::initializer_list<std::string_view> pieces) {
+std::string joined(std::initializer_list<std::string_view> parts) {
   std::string text;
-  for (const std::string_view piece : pieces) {
+  for (const std::string_view piece : parts) {
     text.append(piece.data(), piece.size());
   }
   return text;
