@@ -1,4 +1,4 @@
-// Finds the regional stores of the book store and says which of them the customer is signed in to.
+// Lists the regional stores of the book store, and the one that the customer is signed in to.
 
 #include <iostream>
 #include <memory>
@@ -7,17 +7,17 @@
 #include "graphql_api/GraphQLStorageApi.h"
 
 int main() {
-  // Loads the stores and the session that an earlier run left in the device's files.
+  // Loads the stores and the session that an earlier run saved in the device's files.
   auto storage = std::make_shared<graphql::GraphQLStorageApi>();
   graphql::GraphQLApi api(storage);
 
   bool failed = false;
   api.setErrorCb([&failed](int err, int status) {
     failed = true;
-    std::cerr << "The store was not reached: transfer " << err << ", status " << status << "\n";
+    std::cerr << "The request failed: error " << err << ", HTTP status " << status << "\n";
   });
 
-  // Blocks for the transfer; an answer replaces the stored list, a failure leaves it.
+  // Blocks for the exchange. A response replaces the saved list; a failure leaves it unchanged.
   for (const auto& store : api.getStores()) {
     std::cout << store.storeCode << "  " << store.storeName << "  " << store.url << "\n";
   }

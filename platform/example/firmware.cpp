@@ -51,7 +51,7 @@ int main(int count, char** arguments) {
   auto storage = std::make_shared<GraphQLStorageApi>();
   GraphQLApi api(storage);
   api.setErrorCb([](int err, int status) {
-    std::cerr << "The store was not reached: transfer " << err << ", status " << status << "\n";
+    std::cerr << "The request failed: error " << err << ", HTTP status " << status << "\n";
   });
 
   api.getStores();

@@ -121,14 +121,14 @@ TEST_F(FirmwareTest, AWrongPasswordSignsNobodyIn) {
 TEST_F(FirmwareTest, AnUnreachableServiceLeavesTheStoresOfTheFile) {
   run();
   configure("::127.0.0.1:1");
-  EXPECT_THAT(run(), AllOf(HasSubstr("The store was not reached: transfer 7, status 0\n"),
+  EXPECT_THAT(run(), AllOf(HasSubstr("The request failed: error 7, HTTP status 0\n"),
                            HasSubstr(kStores), EndsWith("Not signed in\n")));
 }
 
 TEST_F(FirmwareTest, AServiceOfAnotherAuthorityIsNotTrusted) {
   std::ofstream(device_.path() + "/mnt/ext1/system/config/device.cfg")
       << "connectTo=" << store().connectTo() << "\n";
-  EXPECT_THAT(run(), HasSubstr("The store was not reached: transfer 60, status 0\n"));
+  EXPECT_THAT(run(), HasSubstr("The request failed: error 60, HTTP status 0\n"));
 }
 
 TEST_F(FirmwareTest, NoFileAndNoLineShowsASecret) {
