@@ -1,7 +1,7 @@
-// Lets a program see the request of an operation without sending it. The switch holds for the whole
-// process and not for those that it starts: it is the number of the process in an environment
-// variable, so that every copy of this code in the process sees it. Safe to call from any thread
-// that does not run alongside setDryRun() or setenv().
+// Shows the request of an operation without sending the request. The switch applies to the whole
+// process, but not to its child processes. It is an environment variable with the process id, so
+// that every copy of this code in the process sees it. Safe to call from any thread, but not at the
+// same time as setDryRun() or setenv().
 
 #ifndef BASE_DRYRUN_H_
 #define BASE_DRYRUN_H_
@@ -11,8 +11,8 @@
 
 namespace base {
 
-// What HttpRequestRunner::PerformRequest throws during a dry run in place of sending: an exception,
-// so that the operation that built the request ends before it changes any state.
+// During a dry run, HttpRequestRunner::PerformRequest throws this instead of sending. An exception
+// ends the operation before the operation changes any state.
 class DryRun : public std::exception {
  public:
   explicit DryRun(const std::string& curlCommand);
@@ -27,10 +27,10 @@ class DryRun : public std::exception {
   std::string curlCommand_;
 };
 
-// Starts or ends the dry run; off until called.
+// Starts or ends the dry run. It is off at the start.
 void setDryRun(bool on);
 
-// True while requests are not sent.
+// True during a dry run.
 bool isDryRun();
 
 }  // namespace base

@@ -1,5 +1,5 @@
-// What the settings say about HTTP, for the runner and for the curl command of a request alike.
-// Safe to call from any thread that does not run alongside setenv().
+// The HTTP settings, for the runner and for the curl command of a request.
+// Safe to call from any thread, but not at the same time as setenv().
 
 #ifndef BASE_HTTPSETTINGS_H_
 #define BASE_HTTPSETTINGS_H_
@@ -11,7 +11,7 @@
 namespace base {
 
 struct HttpSettings {
-  std::string caFile;                  // empty: the system's authorities
+  std::string caFile;                  // empty: the system's CA certificates
   std::string pinnedKey;               // empty: any key with a valid certificate
   std::vector<std::string> connectTo;  // entries HOST:PORT:TO-HOST:TO-PORT, tried in this order
   bool http2;                          // false: HTTP/1.1
@@ -20,7 +20,7 @@ struct HttpSettings {
   long stallTimeoutSeconds;
 };
 
-// The settings as they are now.
+// The current settings.
 HttpSettings readHttpSettings();
 
 }  // namespace base

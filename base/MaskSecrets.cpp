@@ -11,7 +11,7 @@ const char kSecretMask[] = "***";
 
 namespace {
 
-// In no locale: what a name is must not depend on one.
+// Ignores the locale, which must not change what counts as a name.
 char lower(char byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
@@ -62,8 +62,8 @@ bool isSecretName(const std::string& name) {
   return plain == "orvanecustomer" || plain == "orvanecustomerrefresh" || plain == "phpsessid";
 }
 
-// A quotation mark as it stands in the text. Each string that encloses another one doubles the
-// backslashes: `"`, `\"`, `\\\"`, ...
+// A quotation mark in the text, with its backslashes. A string within a string has more of them:
+// `"`, `\"`, `\\\"`, ...
 struct Quote {
   char mark = '\0';  // '\0' for none
   std::size_t backslashes = 0;
@@ -103,7 +103,7 @@ class Masker {
     at_ = end;
   }
 
-  // Blanks, also as the escapes that stand for them in an enclosing string.
+  // Skips blanks, and blanks that are escapes in an enclosing string.
   std::size_t afterBlanks(std::size_t position) const {
     for (;;) {
       const std::size_t escaped = afterBackslashes(position);
@@ -125,7 +125,7 @@ class Masker {
     return position;
   }
 
-  // The quotation mark that begins at `position`, if one does.
+  // The quotation mark that begins at `position`, if any.
   Quote quoteAt(std::size_t position) const {
     const std::size_t mark = afterBackslashes(position);
     Quote quote;
@@ -136,7 +136,7 @@ class Masker {
     return quote;
   }
 
-  // The quotation mark that ends right before `position`, if one does.
+  // The quotation mark that ends right before `position`, if any.
   Quote quoteBefore(std::size_t position) const {
     Quote quote;
     if (position == 0 || (text_[position - 1] != '"' && text_[position - 1] != '\'')) {
@@ -153,13 +153,13 @@ class Masker {
     return quote.mark == '\0' ? 0 : quote.backslashes + 1;
   }
 
-  // Where the string that `quote` opened, and whose content begins at `position`, ends: at its
-  // closing mark, at one of an enclosing string, or at the end of a text that was cut off.
+  // The end of the string that `quote` opened and whose content begins at `position`: its closing
+  // mark, the closing mark of an enclosing string, or the end of a text that was cut off.
   std::size_t endOfQuoted(std::size_t position, const Quote& quote) const {
     return quote.mark == '\'' ? endOfSingleQuoted(position) : endOfDoubleQuoted(position, quote);
   }
 
-  // `'\''` is how a shell's single-quoted text holds a single quotation mark.
+  // `'\''` is a single quotation mark within single-quoted shell text.
   std::size_t endOfSingleQuoted(std::size_t position) const {
     while (position < text_.size() && text_[position] != '\'') {
       ++position;
@@ -188,7 +188,7 @@ class Masker {
     return position;
   }
 
-  // Where a word without quotation marks of its own ends.
+  // The end of a word without quotation marks.
   std::size_t endOfWord(std::size_t position, const char* ends) const {
     while (position < text_.size() && !isBlank(text_[position]) &&
            std::strchr(ends, text_[position]) == nullptr) {
@@ -233,7 +233,7 @@ class Masker {
     }
   }
 
-  // Masks the value of `name`, which has just been copied, when one follows.
+  // Masks the value of `name`, which has just been copied, if a value follows.
   void passValue(const std::string& name, const Quote& before, bool isVariable) {
     const Quote after = quoteAt(at_);
     const bool isQuotedName = before.mark != '\0' && after.mark == before.mark;
@@ -260,13 +260,13 @@ class Masker {
     }
   }
 
-  // An empty value at the end of the string that the name itself stands in: 'token=' or "token=".
+  // An empty value at the end of the string that contains the name: 'token=' or "token=".
   static bool closes(const Quote& quote, const Quote& before, bool isQuotedName) {
     return !isQuotedName && quote.mark == before.mark && quote.backslashes == before.backslashes;
   }
 
-  // GraphQL text names variables like members, "$password: String!" and "password: $password", and
-  // C++ text has "::": none of these is a value.
+  // These are not values: the variables of GraphQL, "$password: String!" and "password: $password",
+  // and "::" in C++ text.
   bool isDeclaration(const std::string& name, std::size_t value, bool isVariable) const {
     if (byteAt(value) == ':' || (isVariable && isWordAt(value, "String"))) {
       return true;
@@ -275,7 +275,7 @@ class Masker {
            plainName(text_.substr(value + 1, endOfName(value + 1) - value - 1)) == plainName(name);
   }
 
-  // A number is masked; an object or a list is looked into.
+  // Masks a number; leaves an object or a list, whose members are searched next.
   void maskScalar() {
     const char first = byteAt(at_);
     if (first == '{' || first == '[' || isWordAt(at_, "null") || isWordAt(at_, "true") ||
@@ -289,8 +289,8 @@ class Masker {
     return endsWith(plainName(name), "authorization") || isWordAt(value, "bearer");
   }
 
-  // A header's value goes on to the end of its line or of the string that the header stands in. Of
-  // two words the first is the scheme, which stays.
+  // A header's value ends with its line, or with the string that contains the header. The first of
+  // two words is the scheme, which is not masked.
   void maskHeader(const Quote& before) {
     const std::size_t end = before.mark == '\0' ? endOfLine(at_) : endOfQuoted(at_, before);
     const std::size_t scheme = endOfName(at_);

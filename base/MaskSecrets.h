@@ -1,5 +1,5 @@
-// Takes secrets out of text that people read: log lines and printed requests. Holds no state; safe
-// from any thread.
+// Masks secrets in text that people read: log lines and printed requests. Has no state; safe from
+// any thread.
 
 #ifndef BASE_MASKSECRETS_H_
 #define BASE_MASKSECRETS_H_
@@ -8,14 +8,14 @@
 
 namespace base {
 
-// What stands in place of each secret.
+// The text that replaces each secret.
 extern const char kSecretMask[];
 
-// A copy of `text` with the mask in place of what follows "Bearer", of the values of members,
-// parameters, headers and cookies whose names say token, password, secret or authorization, of the
-// customer's cookies, and of the password in a URL. Knows JSON, compact or styled, also where it
-// stands escaped in another string, shell text in single quotes, and text cut off within a value.
-// Empty values and null, true and false stay. In doubt it masks too much.
+// Returns a copy of `text` in which the mask replaces these secrets: the word after "Bearer"; the
+// values of members, parameters, headers and cookies whose names contain token, password, secret or
+// authorization; the customer's cookies; the password in a URL. Supports compact and styled JSON,
+// JSON escaped in another string, shell text in single quotes, and text cut off within a value.
+// Empty values, null, true and false are unchanged. In doubt it masks too much.
 std::string maskSecrets(const std::string& text);
 
 }  // namespace base

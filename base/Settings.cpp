@@ -13,23 +13,24 @@ namespace base {
 
 namespace settings {
 const Setting kRoot = {"ORVANE_ROOT", "$XDG_STATE_HOME/orvane, else ~/.local/state/orvane",
-                       "folder below which all device paths live"};
+                       "folder that contains all device paths"};
 const Setting kCaFile = {"ORVANE_CA_FILE", "",
-                         "file of trusted authorities (PEM) in place of the system's"};
+                         "PEM file of trusted CA certificates, instead of the system's"};
 const Setting kPinnedKey = {"ORVANE_PINNED_KEY", "",
                             "public key that a server must show: sha256//BASE64[;sha256//BASE64]"};
 const Setting kConnectTo = {"ORVANE_CONNECT_TO", "",
                             "where to connect instead: HOST:PORT:TO-HOST:TO-PORT[,...]; an empty "
-                            "HOST or PORT stands for any"};
-const Setting kHttpVersion = {"ORVANE_HTTP_VERSION", "1.1",
-                              "HTTP version to ask for: 1.1 or 2; a kept connection keeps its own"};
+                            "HOST or PORT matches any"};
+const Setting kHttpVersion = {
+    "ORVANE_HTTP_VERSION", "1.1",
+    "HTTP version to request: 1.1 or 2; an open connection keeps its own"};
 const Setting kMaxAnswerBytes = {"ORVANE_MAX_ANSWER_BYTES", "16777216",
-                                 "largest answer body in bytes, after decompression"};
+                                 "largest response body in bytes, after decompression"};
 const Setting kConnectTimeoutSeconds = {"ORVANE_CONNECT_TIMEOUT", "10",
                                         "seconds to wait for a connection"};
 const Setting kStallTimeoutSeconds = {"ORVANE_STALL_TIMEOUT", "30",
-                                      "seconds without a byte after which a transfer that has no "
-                                      "time limit of its own is given up"};
+                                      "seconds without data after which an exchange without a time "
+                                      "limit fails"};
 const Setting kLogLevel = {"ORVANE_LOG_LEVEL", "2",
                            "highest level that is logged: 2 failures, 5 information"};
 const Setting kLogTarget = {"ORVANE_LOG", "stderr", "where the log goes: stderr, syslog or a file"};
@@ -59,7 +60,7 @@ const std::vector<Setting>& allSettings() {
 
 namespace {
 
-// Parses all of `digits` as a number within the bounds.
+// Parses the whole of `digits` as a number within the bounds.
 bool parseNumber(const std::string& digits, long long lowest, long long highest,
                  long long* result) {
   char* end = nullptr;
@@ -69,8 +70,8 @@ bool parseNumber(const std::string& digits, long long lowest, long long highest,
          *result <= highest;
 }
 
-// A setting is read at every request: its fault is worth one line, not one line each time. Another
-// copy of this code in the process may print the line once more.
+// A setting is read at every request, so an invalid value is reported only once. Another copy of
+// this code in the process may repeat the line.
 void reportOnce(const Setting& setting, const std::string& value, const std::string& expected) {
   static std::mutex mutex;
   static std::set<std::string> reported;
@@ -115,7 +116,7 @@ long long number(const Setting& setting, long long lowest, long long highest) {
   long long result = 0;
   if (!parseNumber(value, lowest, highest, &result)) {
     reportOnce(setting, value,
-               "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
+               "an integer from " + std::to_string(lowest) + " to " + std::to_string(highest));
     parseNumber(setting.fallback, lowest, highest, &result);
   }
   return result;

@@ -1,6 +1,5 @@
-// The settings of this machine: environment variables, read anew at each use, so that a
-// program can set them before its first call. Safe to call from any thread that does not run
-// alongside setenv().
+// The settings of this machine: environment variables, read at each use, so that a program can set
+// them before its first call. Safe to call from any thread, but not at the same time as setenv().
 
 #ifndef BASE_SETTINGS_H_
 #define BASE_SETTINGS_H_
@@ -10,8 +9,8 @@
 
 namespace base {
 
-// One setting: its environment variable, what holds while that is unset or empty, and what it does
-// in one line.
+// One setting: its environment variable, the default for an unset or empty variable, and a
+// description in one line.
 struct Setting {
   const char* name;
   const char* fallback;
@@ -39,25 +38,25 @@ const std::vector<Setting>& allSettings();
 // The environment variable `name`; empty when it is not set.
 std::string environmentText(const char* name);
 
-// The text of a setting: the environment's, or the fallback.
+// The text of a setting: from the environment, or the default.
 std::string text(const Setting& setting);
 
-// The whole number that a setting holds, at least `lowest` and at most `highest`. A text that is
-// not such a number is reported once on standard error, and the fallback counts.
+// The value of a setting that must be an integer from `lowest` to `highest`. Any other text is
+// reported once on standard error, and the default is used.
 long long number(const Setting& setting, long long lowest, long long highest);
 
-// The text of a setting that must be one of `allowed`. Another one is reported once on standard
-// error, and the fallback counts.
+// The text of a setting that must be one of `allowed`. Any other text is reported once on standard
+// error, and the default is used.
 std::string choice(const Setting& setting, const std::vector<std::string>& allowed);
 
 // True when the setting is "1".
 bool isOn(const Setting& setting);
 
-// The folder below which all device paths live: the setting, else a folder in the person's XDG
-// state directory. Absolute, without a slash at its end. The folder need not exist.
+// The folder that contains all device paths: the setting, or a folder in the user's XDG state
+// directory. Absolute, without a slash at the end. The folder need not exist.
 std::string rootFolder();
 
-// Where the device path `path`, such as "/mnt/ext1/system", lives on this machine.
+// The path on this machine of the device path `path`, such as "/mnt/ext1/system".
 std::string hostPath(const std::string& path);
 
 }  // namespace base

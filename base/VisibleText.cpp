@@ -3,7 +3,7 @@
 namespace base {
 namespace {
 
-// How long the character is that begins with `first`, if one does.
+// The length of a multi-byte character that begins with `first`; 0 if none can.
 std::size_t announcedLength(unsigned char first) {
   if (first < 0xc2 || first > 0xf4) {
     return 0;
@@ -11,8 +11,8 @@ std::size_t announcedLength(unsigned char first) {
   return first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
 }
 
-// Bytes that may follow `first` in other characters, but not in UTF-8 that prints: characters
-// written longer than needed, halves of pairs, beyond the last one, and the second set of controls.
+// True when the two bytes cannot begin printable UTF-8: overlong forms, surrogates, code points
+// beyond the last one, and the C1 control characters.
 bool isForbiddenPair(unsigned char first, unsigned char second) {
   const bool isTooLong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
   const bool isOutside = (first == 0xed && second > 0x9f) || (first == 0xf4 && second > 0x8f);

@@ -1,5 +1,5 @@
-// Text that shows every byte: control characters and bytes that are not UTF-8 become escapes. Holds
-// no state; safe from any thread.
+// Makes text safe to print: control characters and bytes that are not UTF-8 become escapes. Has no
+// state; safe from any thread.
 
 #ifndef BASE_VISIBLETEXT_H_
 #define BASE_VISIBLETEXT_H_
@@ -9,15 +9,15 @@
 
 namespace base {
 
-// The length of the UTF-8 character at `position` in `text`; 0 when there stands a control
-// character or a byte that begins none.
+// The length in bytes of the UTF-8 character at `position` in `text`; 0 for a control character or
+// an invalid byte.
 std::size_t printableLength(const std::string& text, std::size_t position);
 
 // Appends \n, \r, \t or \xHH for `byte`.
 void appendEscape(char byte, std::string* text);
 
-// `text` on one line that does nothing to a terminal: what does not print becomes an escape, all
-// else stays, a backslash too.
+// `text` on one line, harmless to a terminal: bytes that do not print become escapes. All other
+// text is unchanged, backslashes too.
 std::string visibleText(const std::string& text);
 
 }  // namespace base

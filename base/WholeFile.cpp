@@ -31,7 +31,7 @@ const char* adviceFor(int error) {
     case EISDIR:
     case ENOTDIR:
     case EINVAL:
-      return "move away what stands there in place of a file or a folder";
+      return "move away what is in its place";
     case EFBIG:
       return "move the file away or make it smaller";
     default:
@@ -48,7 +48,7 @@ std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-// Names beside `path` that its own kind of file never has.
+// A hidden name beside `path`, which no configuration file has.
 std::string hiddenBeside(const std::string& path, const std::string& suffix) {
   return folderOf(path) + "/." + nameOf(path) + suffix;
 }
@@ -61,7 +61,7 @@ FileFailure syncFolder(const std::string& folder) {
   return ::fsync(descriptor.get()) == 0 ? FileFailure() : failed("fsync folder");
 }
 
-// Opens a new file. One that stands there was left by a writer that died, and goes.
+// Creates a file. Removes an existing one, which a dead writer has left.
 int openNew(const std::string& path) {
   const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   const int file = ::open(path.c_str(), flags, 0600);
@@ -70,8 +70,8 @@ int openNew(const std::string& path) {
              : file;
 }
 
-// A new file beside `path`, which goes unless it is put in its place. One name is enough: only the
-// holder of the lock makes it.
+// A new file beside `path`, removed unless it is put in place. One name is enough: only the holder
+// of the lock creates it.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& path)
@@ -124,9 +124,9 @@ class TemporaryFile {
   bool exists_;
 };
 
-// Reads what the open file holds; `*content` has room for more than the limit then.
+// Reads the open file. Fails with EFBIG when the file grows beyond the limit.
 FileFailure readAll(int file, std::size_t expected, std::size_t limit, std::string* content) {
-  content->resize(expected + 1);  // one more, to see the end without a second round
+  content->resize(expected + 1);  // one byte more, to see the end of the file in the first read
   std::size_t size = 0;
   for (;;) {
     const ssize_t count = ::read(file, &(*content)[size], content->size() - size);
@@ -149,12 +149,12 @@ FileFailure readAll(int file, std::size_t expected, std::size_t limit, std::stri
   return FileFailure();
 }
 
-// Tries to make the folder; the one above it must be there.
+// Creates the folder. Its parent must exist.
 FileFailure makeOneFolder(const std::string& folder) {
   if (::mkdir(folder.c_str(), 0700) == 0) {
     return syncFolder(folderOf(folder));
   }
-  // Whether what is there is a folder shows as soon as it is used as one.
+  // If the existing name is not a folder, the next step that uses it fails.
   return errno == EEXIST ? FileFailure() : failed("make folder");
 }
 
@@ -168,8 +168,8 @@ FileFailure makeFolder(const std::string& folder) {
   return failureAbove ? failureAbove : makeOneFolder(folder);
 }
 
-// Opens the lock file of `path`, and makes its folder first where that is missing. Returns -1, with
-// the reason in `*failure`, when there is none.
+// Opens the lock file of `path`, and creates its folder if that is missing. Returns -1 on failure,
+// with the reason in `*failure`.
 int openLockFile(const std::string& path, FileFailure* failure) {
   const std::string name = hiddenBeside(path, ".lock");
   const int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
@@ -196,7 +196,7 @@ Descriptor::~Descriptor() {
 
 bool Descriptor::close() {
   const int descriptor = descriptor_;
-  descriptor_ = -1;  // it is gone, whatever the result
+  descriptor_ = -1;  // closed, whatever the result
   return ::close(descriptor) == 0;
 }
 
@@ -207,7 +207,7 @@ std::string FileFailure::text() const {
 
 FileFailure readWholeFile(const std::string& path, std::size_t limit, std::string* content) {
   content->clear();
-  // Without O_NONBLOCK a pipe in place of the file would wait for its other end.
+  // Without O_NONBLOCK, opening a pipe at this path would wait for a writer.
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.isOpen()) {
     return failed("open");

@@ -1,5 +1,5 @@
-// Files that are read and replaced whole: no reader ever sees half of one, and a writer that dies
-// leaves the old one. Holds no state but in its objects; safe from any thread.
+// Reads and replaces whole files: no reader ever sees half a file, and a writer that dies leaves
+// the old file. All state is in the objects; safe from any thread.
 
 #ifndef BASE_WHOLEFILE_H_
 #define BASE_WHOLEFILE_H_
@@ -9,7 +9,7 @@
 
 namespace base {
 
-// Owns an open file descriptor; -1 is none.
+// Owns an open file descriptor; -1 means no descriptor.
 class Descriptor {
  public:
   explicit Descriptor(int descriptor = -1) : descriptor_(descriptor) {}
@@ -19,7 +19,7 @@ class Descriptor {
 
   int get() const { return descriptor_; }
   bool isOpen() const { return descriptor_ >= 0; }
-  // False, with errno, when the system reports only now what it could not write.
+  // False, with errno, when the system reports a write error only at this point.
   bool close();
 
  private:
@@ -30,20 +30,20 @@ class Descriptor {
 struct FileFailure {
   const char* step = nullptr;
   int error = 0;
-  bool isPlaced = false;  // the new file is there already; only a power cut could lose it
+  bool isPlaced = false;  // the new file is in place; only a power failure could lose it
 
   explicit operator bool() const { return step != nullptr; }
-  // One clause: the step, the system's text and what to try.
+  // One clause: the step, the system's error text and what to do.
   std::string text() const;
 };
 
-// Reads the file at `path` into `*content`. A file of more than `limit` bytes (EFBIG), and what is
-// no regular file (EISDIR, EINVAL), fails; a missing one fails with ENOENT.
+// Reads the file at `path` into `*content`. Fails with EFBIG for more than `limit` bytes, with
+// EISDIR or EINVAL for anything but a regular file, and with ENOENT for a missing file.
 FileFailure readWholeFile(const std::string& path, std::size_t limit, std::string* content);
 
-// The lock, between threads and processes, of those who change the file at `path`: a file of mode
-// 0600 beside it, which stays. Where the folder is missing it is made, with those above it, each
-// with mode 0700. The constructor waits for the lock; the destructor releases it.
+// The lock, between threads and processes, for changes to the file at `path`. It is a file of mode
+// 0600 beside that file, and is never removed. Missing folders are created with mode 0700. The
+// constructor waits for the lock; the destructor releases it.
 class FileLock {
  public:
   explicit FileLock(const std::string& path);
@@ -56,9 +56,9 @@ class FileLock {
 
 enum class Placing { Replace, KeepExisting };
 
-// Puts a file of mode 0600 with this content at `path`, whole and on the disk, or leaves what is
-// there. KeepExisting leaves a file that is there, which is no failure. For holders of the lock:
-// what a writer that died has left beside the file goes, too.
+// Puts a file of mode 0600 with this content at `path`, complete and synced to disk. On failure the
+// old file is unchanged. KeepExisting keeps an existing file, and reports success. The caller must
+// hold the lock: this also removes a temporary file that a dead writer has left.
 FileFailure placeWholeFile(const std::string& path, const std::string& content, Placing placing);
 
 }  // namespace base

@@ -5,7 +5,7 @@
 namespace orvane {
 namespace utilities {
 
-// The setting is read anew each time, so there is nothing to refresh.
+// The setting is read at each call, so there is nothing to refresh.
 int BookStoreVersionProxy::storeVersion(bool) {
   return static_cast<int>(base::number(base::settings::kStoreVersion, 1, 99));
 }

@@ -21,7 +21,7 @@ std::set<std::string> CfgWrapper::keys() const {
 
 void CfgWrapper::save() {
   if (handle == nullptr) {
-    BASE_LOG_FAILURE("Nothing is saved: the configuration is closed already");
+    BASE_LOG_FAILURE("Nothing is saved: the configuration is already closed");
     return;
   }
   host::ensureRegistrationToken(handle);

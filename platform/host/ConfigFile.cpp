@@ -31,7 +31,8 @@ bool isSameFile(const std::string& first, const std::string& second) {
          one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// Keeps the file at `path` under a free name beside it. Returns the name, or nothing with errno.
+// Keeps the file at `path` under an unused name beside it. Returns the name; on failure, an empty
+// text and errno.
 std::string linkDamaged(const std::string& path) {
   for (int number = 0; number < kMaxDamagedFiles; ++number) {
     std::string kept = damagedPath(path, number);
@@ -91,13 +92,12 @@ const char* ConfigFile::clearTextOf(const std::string& key, const ConfigValue& v
     box_ = SecretBox::open();
   }
   if (!box_) {
-    return nullptr;  // logged there
+    return nullptr;  // already logged
   }
   if (!box_->unseal(value.text, devicePath_, key, &clearText_)) {
     BASE_LOG_FAILURE(
-        "%s: the secret %s cannot be opened and reads as its default: it was changed, "
-        "or comes from another key, file or machine. Sign in or discover the stores "
-        "again.",
+        "%s: the secret %s cannot be decrypted; using the default. The secret was changed, or "
+        "comes from another key, file or machine. Sign in or discover the stores again.",
         path_.c_str(), key.c_str());
     return nullptr;
   }
@@ -122,7 +122,7 @@ void ConfigFile::writeSecret(const std::string& key, const std::string& clearTex
     lacksSecret_ = true;
     return;
   }
-  // Sealed anew it would look different, and the file would be replaced for nothing.
+  // Sealing gives a different text each time: an unchanged secret would replace the file.
   const ConfigValue* value = find(key);
   const bool isKept = value != nullptr && value->isSecret &&
                       box_->unseal(value->text, devicePath_, key, &clearText_) &&
@@ -139,7 +139,7 @@ const ConfigEntries& ConfigFile::fileEntries() {
     if (!failure) {
       takeOver(std::move(content));
     } else if (failure.error != ENOENT) {
-      BASE_LOG_FAILURE("Cannot read %s, which counts as empty: %s", path_.c_str(),
+      BASE_LOG_FAILURE("Cannot read %s, using an empty file: %s", path_.c_str(),
                        failure.text().c_str());
     }
   }
@@ -153,12 +153,12 @@ void ConfigFile::takeOver(std::string content) {
   const std::size_t count = fromFile_.damagedLines.size();
   for (std::size_t i = 0; i < std::min(count, kMaxDamagedLinesLogged); ++i) {
     BASE_LOG_FAILURE(
-        "%s:%zu: this line is left out: it has no '=', or an escape other than "
+        "%s:%zu: this line is ignored: it has no '=', or an escape other than "
         "\\n, \\r, \\t, \\\\ and \\xHH",
         path_.c_str(), fromFile_.damagedLines[i]);
   }
   if (count > kMaxDamagedLinesLogged) {
-    BASE_LOG_FAILURE("%s: %zu more lines are left out", path_.c_str(),
+    BASE_LOG_FAILURE("%s: %zu more lines are ignored", path_.c_str(),
                      count - kMaxDamagedLinesLogged);
   }
 }
@@ -176,10 +176,10 @@ bool ConfigFile::save() {
 
 bool ConfigFile::mayBeSaved() const {
   if (access_ == Access::Read) {
-    return failed("it was opened to read; open it to write");
+    return failed("it was opened read-only; open it with CfgWrapper::Write");
   }
   if (lacksSecret_) {
-    return failed("a secret could not be sealed; mend the key file");
+    return failed("a secret could not be encrypted; fix the key file");
   }
   return true;
 }
@@ -192,7 +192,7 @@ bool ConfigFile::updateFile() {
   std::string content;
   const base::FileFailure unread = base::readWholeFile(path_, kMaxFileBytes, &content);
   if (unread && unread.error != ENOENT) {
-    return failed("what it holds cannot be read and would be lost: " + unread.text());
+    return failed("its content cannot be read and would be lost: " + unread.text());
   }
   if (content != content_) {
     takeOver(std::move(content));
@@ -211,7 +211,7 @@ bool ConfigFile::replaceFile() {
   merged.insert(missing_.begin(), missing_.end());
   std::string content = formatConfig(merged);
   if (content.size() > kMaxFileBytes) {
-    return failed("it would hold more than 16 MiB; write less");
+    return failed("it would be larger than 16 MiB; write less");
   }
   if (!fromFile_.damagedLines.empty() && !keepDamagedFile()) {
     return false;
@@ -221,7 +221,7 @@ bool ConfigFile::replaceFile() {
     return failed(unsaved.text());
   }
   if (unsaved) {
-    BASE_LOG_FAILURE("%s is saved, but a power cut could undo it: %s", path_.c_str(),
+    BASE_LOG_FAILURE("%s is saved, but a power failure could undo it: %s", path_.c_str(),
                      unsaved.text().c_str());
   }
   fromFile_ = {std::move(merged), {}};
@@ -229,7 +229,7 @@ bool ConfigFile::replaceFile() {
   return true;
 }
 
-// What is only written where it is missing counts as well.
+// Includes the values that are only written if their keys are missing.
 bool ConfigFile::holdsAllWritten() const {
   const ConfigEntries& entries = fromFile_.entries;
   const auto isHeld = [&entries](const auto& entry) {
@@ -246,15 +246,14 @@ bool ConfigFile::keepDamagedFile() const {
   const std::string kept = linkDamaged(path_);
   if (kept.empty()) {
     return failed("the damaged file cannot be kept as " + damagedPath(path_, 0) + ": " +
-                  std::generic_category().message(errno) +
-                  "; move away the damaged files that are kept there");
+                  std::generic_category().message(errno) + "; move away the earlier damaged files");
   }
-  BASE_LOG_FAILURE("%s was damaged; it is kept as %s", path_.c_str(), kept.c_str());
+  BASE_LOG_FAILURE("%s was damaged; kept as %s", path_.c_str(), kept.c_str());
   return true;
 }
 
 bool ConfigFile::failed(const std::string& why) const {
-  BASE_LOG_FAILURE("Cannot save %s, which stays as it is: %s", path_.c_str(), why.c_str());
+  BASE_LOG_FAILURE("Cannot save %s, which is unchanged: %s", path_.c_str(), why.c_str());
   return false;
 }
 

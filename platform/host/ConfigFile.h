@@ -1,5 +1,5 @@
-// One open configuration file of the device. An object is used by one thread at a time; any number
-// of objects, in any number of processes, may have the same file open.
+// One open configuration file of the device. Only one thread at a time may use an object. Several
+// objects, also in several processes, may have the same file open.
 
 #ifndef PLATFORM_HOST_CONFIGFILE_H_
 #define PLATFORM_HOST_CONFIGFILE_H_
@@ -16,15 +16,15 @@
 
 namespace host {
 
-// Names a configuration file as secrets are bound to it: absolute, without "." and "..".
+// The name of a configuration file to which its secrets are bound: absolute, without "." and "..".
 std::string normalDevicePath(const std::string& path);
 
 class ConfigFile {
  public:
   enum class Access { Read, Write };
 
-  // Opens the file at the device path `path`, which need not exist. It is read at the first look
-  // into it, and then no more until it is saved.
+  // Opens the file at the device path `path`, which need not exist. The file is read at the first
+  // access, and again only when it is saved.
   ConfigFile(const std::string& path, Access access);
   ~ConfigFile();
   ConfigFile(const ConfigFile&) = delete;
@@ -32,35 +32,35 @@ class ConfigFile {
 
   const std::string& devicePath() const { return devicePath_; }
 
-  // All keys, in the file or written here. Valid until the next write or save.
+  // All keys, from the file or written to this object. Valid until the next write or save.
   const std::set<std::string>& keys();
 
-  // The value of `key`, written here or found in the file; null when there is none. Valid until the
-  // next write or save.
+  // The value of `key`, written to this object or read from the file; null if there is none. Valid
+  // until the next write or save.
   const ConfigValue* find(const std::string& key);
 
-  // The clear text of a sealed value, owned by this object until the next call; null, and logged,
-  // when it cannot be opened.
+  // The clear text of a sealed value, owned by this object until the next call. Null if the value
+  // cannot be decrypted (logged).
   const char* clearTextOf(const std::string& key, const ConfigValue& value);
 
   void write(const std::string& key, const std::string& text);
-  // The same, unless the file holds the key at the time it is saved.
+  // Like write(), but a save keeps the value of a key that is already in the file.
   void writeIfMissing(const std::string& key, const std::string& text);
-  // Seals the text. Where that is not possible (logged) the file will not be saved: it would hold
-  // some of its new values without the others.
+  // Seals the text. If that fails (logged), the file will not be saved, because it would contain
+  // only some of the new values.
   void writeSecret(const std::string& key, const std::string& clearText);
 
-  // Replaces the file: what it holds now, whoever wrote it, and over it the keys written here. A
-  // file that holds all of that already is left alone. On failure, which is logged, the file stays
-  // as it is. Returns whether it was saved.
+  // Replaces the file with its current content, whoever wrote it, and the keys written to this
+  // object. Does not write if nothing would change. Returns false on failure (logged); the file is
+  // then unchanged.
   bool save();
 
  private:
   const ConfigEntries& fileEntries();
-  // Makes this the content of the file that is known here.
+  // Parses `content` and remembers it as the content of the file.
   void takeOver(std::string content);
   bool mayBeSaved() const;
-  // Takes the lock, reads what is there now, and replaces it unless nothing would change.
+  // Takes the lock, reads the current file, and replaces it unless nothing would change.
   bool updateFile();
   bool replaceFile();
   bool holdsAllWritten() const;
@@ -72,11 +72,11 @@ class ConfigFile {
   Access access_;
   bool isLoaded_ = false;
   bool lacksSecret_ = false;
-  std::string content_;  // what fromFile_ was read from
+  std::string content_;  // the text that fromFile_ was parsed from
   ParsedConfig fromFile_;
   ConfigEntries written_;
-  ConfigEntries missing_;  // counts where nothing else does
-  // Each read of a value with CfgWrapper asks for all keys first.
+  ConfigEntries missing_;  // from writeIfMissing()
+  // Cached, because each read of a value through CfgWrapper gets all keys first.
   std::optional<std::set<std::string>> keys_;
   std::shared_ptr<const SecretBox> box_;
   std::string clearText_;

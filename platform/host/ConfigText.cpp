@@ -41,7 +41,7 @@ int digitValue(char digit) {
 }
 
 // Reads the escape whose backslash `*at` points to, and moves `*at` behind it. Returns the byte, or
-// NUL when this is no escape.
+// NUL for an invalid escape.
 char takeEscape(const char** at, const char* end) {
   const char kind = *at + 1 < end ? (*at)[1] : '\0';
   *at += 2;
@@ -65,7 +65,7 @@ char takeEscape(const char** at, const char* end) {
   }
 }
 
-// False when the range holds a bad escape or a NUL.
+// False when the range contains an invalid escape or a NUL.
 bool unescape(Range range, std::string* text) {
   const std::size_t length = static_cast<std::size_t>(range.end - range.begin);
   if (std::memchr(range.begin, '\0', length) != nullptr) {
@@ -112,7 +112,7 @@ bool parseLine(Range line, ConfigEntries* entries) {
   if (!unescape(range, &value.text)) {
     return false;
   }
-  // Files are written in the order of the keys: the place is nearly always the end.
+  // Files are written in the order of the keys, so the entry nearly always goes to the end.
   entries->insert_or_assign(entries->end(), std::move(key), std::move(value));
   return true;
 }
@@ -121,7 +121,7 @@ bool isEdge(std::size_t at, const std::string& text) {
   return at == 0 || at + 1 == text.size();
 }
 
-// Bytes that stand for themselves in keys and values, wherever they are.
+// Bytes that need no escape anywhere in keys and values.
 bool isPlain(char byte) {
   return byte > ' ' && byte < '\x7f' && byte != '\\' && byte != '=' && byte != '#';
 }
@@ -133,10 +133,10 @@ std::size_t plainEnd(const std::string& text, std::size_t at) {
   return at;
 }
 
-// Appends `text` with escapes; `special` are further bytes to escape, wherever they stand.
+// Appends `text` with escapes; `special` are further bytes to escape.
 void appendEscaped(const std::string& text, const char* special, std::string* out) {
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = plainEnd(text, at);  // most texts are plain, which spares the tests
+    const std::size_t end = plainEnd(text, at);  // fast path: most texts are plain
     if (end > at) {
       out->append(text, at, end - at);
       at = end;

@@ -1,5 +1,5 @@
 // The device SDK's functions for the values of an open configuration. A null handle, as after
-// closing, holds nothing.
+// closing, has no values.
 
 #include <ov_sdk.h>
 
@@ -16,10 +16,9 @@ const host::ConfigValue* find(ov_config* config, const char* key) {
   return config == nullptr || key == nullptr ? nullptr : config->file.find(key);
 }
 
-// Logs that the value of `key` is of another kind than the one asked for.
+// Logs that the value of `key` has another type than the requested one.
 void reportKind(const ov_config* config, const char* key, const char* fault) {
-  BASE_LOG_FAILURE("%s: %s %s and reads as its default; write it anew",
-                   config->file.devicePath().c_str(), key, fault);
+  BASE_LOG_FAILURE("%s: %s %s; using the default", config->file.devicePath().c_str(), key, fault);
 }
 
 std::string orEmpty(const char* text) {
@@ -28,11 +27,12 @@ std::string orEmpty(const char* text) {
 
 bool mayWrite(const ov_config* config, const char* key) {
   if (config == nullptr) {
-    BASE_LOG_FAILURE("%s is not written: open the configuration first", orEmpty(key).c_str());
+    BASE_LOG_FAILURE("%s was not written: open the configuration first", orEmpty(key).c_str());
     return false;
   }
   if (key == nullptr) {
-    BASE_LOG_FAILURE("%s: a value without a key is not written", config->file.devicePath().c_str());
+    BASE_LOG_FAILURE("%s: a value was not written: its key is null",
+                     config->file.devicePath().c_str());
     return false;
   }
   return true;
@@ -49,7 +49,7 @@ int ReadInt(ov_config* config, const char* key, int default_value) {
   const char* const end = value->text.data() + value->text.size();
   const std::from_chars_result result = std::from_chars(value->text.data(), end, number);
   if (value->isSecret || result.ec != std::errc() || result.ptr != end) {
-    reportKind(config, key, "is no whole number");
+    reportKind(config, key, "is not an integer");
     return default_value;
   }
   return number;
@@ -58,7 +58,7 @@ int ReadInt(ov_config* config, const char* key, int default_value) {
 const char* ReadString(ov_config* config, const char* key, const char* default_value) {
   const host::ConfigValue* value = find(config, key);
   if (value != nullptr && value->isSecret) {
-    reportKind(config, key, "is kept as a secret, not as a text,");
+    reportKind(config, key, "is a secret, not a text");
     return default_value;
   }
   return value == nullptr ? default_value : value->text.c_str();
@@ -70,7 +70,7 @@ const char* ReadSecret(ov_config* config, const char* key, const char* default_v
     return default_value;
   }
   if (!value->isSecret) {
-    reportKind(config, key, "is kept as a text, not as a secret,");
+    reportKind(config, key, "is a text, not a secret");
     return default_value;
   }
   const char* clearText = config->file.clearTextOf(key, *value);

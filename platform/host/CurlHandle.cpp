@@ -9,7 +9,7 @@ namespace {
 
 thread_local CurlHandle::Owned idleHandle;
 
-// libcurl is never shut down: other users of it may live in this process.
+// libcurl is never shut down, because the process may have other users of libcurl.
 bool startLibcurl() {
   static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
   return started == CURLE_OK;
@@ -30,7 +30,7 @@ void CurlList::append(const std::string& text) {
   if (longer == nullptr) {
     throw std::bad_alloc();
   }
-  static_cast<void>(list_.release());  // the longer list holds it
+  static_cast<void>(list_.release());  // now part of the longer list
   list_.reset(longer);
 }
 

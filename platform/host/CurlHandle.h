@@ -1,4 +1,4 @@
-// libcurl's handles with an owner. Objects belong to one thread.
+// Owners of libcurl's handles. Each object belongs to one thread.
 
 #ifndef PLATFORM_HOST_CURLHANDLE_H_
 #define PLATFORM_HOST_CURLHANDLE_H_
@@ -12,10 +12,10 @@
 
 namespace host {
 
-// A list of texts for libcurl, owned.
+// Owns a list of texts for libcurl.
 class CurlList {
  public:
-  // Copies `text` to the end. Throws std::bad_alloc when there is no memory.
+  // Appends a copy of `text`. Throws std::bad_alloc.
   void append(const std::string& text);
 
   // The list, owned by this object; null while it is empty.
@@ -28,10 +28,9 @@ class CurlList {
   std::unique_ptr<curl_slist, Free> list_;
 };
 
-// The calling thread's easy handle, borrowed for one transfer with all options at their defaults.
-// The thread keeps the handle, and with it connections, TLS sessions, DNS answers and the parsed
-// list of authorities. Borrowing while a transfer is under way, from one of its callbacks, gives
-// another handle.
+// The calling thread's easy handle, borrowed for one exchange, with all options at their defaults.
+// The thread keeps the handle, and with it connections, TLS sessions, DNS results and the parsed CA
+// certificates. A callback that borrows during an exchange gets another handle.
 class CurlHandle {
  public:
   CurlHandle();
@@ -40,22 +39,22 @@ class CurlHandle {
   CurlHandle(const CurlHandle&) = delete;
   CurlHandle& operator=(const CurlHandle&) = delete;
 
-  // Sets an option; libcurl copies texts, but neither lists nor request bodies. A failure is kept
-  // for perform().
+  // Sets an option. libcurl copies texts, but neither lists nor request bodies. perform() reports a
+  // failure.
   template <typename Value>
   void set(CURLoption option, Value value) {
     static_assert(std::is_pointer<Value>::value || std::is_same<Value, long>::value ||
                       std::is_same<Value, curl_off_t>::value,
-                  "libcurl reads its arguments as these types, whatever is passed");
+                  "libcurl reads variadic arguments as one of these types");
     if (optionFailure_ == CURLE_OK) {
       optionFailure_ = curl_easy_setopt(handle_.get(), option, value);
     }
   }
 
-  // Performs the transfer. Fails without a byte sent when an option could not be set.
+  // Performs the exchange. Fails without sending anything when an option could not be set.
   CURLcode perform();
 
-  // What went wrong in the last perform(), which returned `code`: one line in English.
+  // Describes the failure of the last perform(), which returned `code`: one line in English.
   std::string failureText(CURLcode code) const;
 
   // The handle, owned by this object.

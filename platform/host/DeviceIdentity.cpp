@@ -1,5 +1,5 @@
 // The identity of the device, from a small configuration file. It is read once per process, so that
-// the texts given out stay valid; what the file lacks is put there at that time.
+// the returned texts stay valid. Missing values are added to the file at that time.
 
 #include <ov_sdk.h>
 

@@ -1,10 +1,10 @@
-// Finds running tasks among the processes of this user, in /proc. A process that has ended and
-// waits to be reaped has no executable any more, and so is none of them.
+// Finds running tasks among the processes of this user, in /proc. A zombie process has no
+// executable, so it is never found.
 //
-// An executable is told by its file, not by its name. A script runs as its interpreter, and a
-// program for another processor as its emulator; it counts when its process has the arguments that
-// the system gives to a file of that kind which is started as an executable. Where two roots share
-// one file, the root in the process's environment decides.
+// An executable is identified by its file, not by its name. A script runs as its interpreter, and a
+// program for another processor as its emulator. Such a process counts when it has the arguments
+// that the system passes when the script or program is started as an executable. If two root
+// folders share one file, the root folder in the process's environment decides.
 
 #include <ov_sdk.h>
 
@@ -32,7 +32,7 @@ bool isSameFile(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
-// The texts of a file of /proc in which each ends with a NUL.
+// The NUL-terminated texts of a file in /proc.
 std::vector<std::string> textsOf(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::vector<std::string> texts;
@@ -42,7 +42,7 @@ std::vector<std::string> textsOf(const std::string& path) {
   return texts;
 }
 
-// The arguments of a process. The system shows none for an instant while a process becomes another
+// The arguments of a process. They are empty for an instant while a process executes another
 // program, as "env" does.
 std::vector<std::string> argumentsOf(const std::string& process) {
   std::vector<std::string> arguments;
@@ -62,8 +62,8 @@ std::string withoutTrailingSlash(std::string path) {
   return path;
 }
 
-// False when the process names another root. One that names none, or one relative to a folder that
-// we do not know, is taken for one of ours.
+// False when the process has another root folder. A process without a root folder, or with a
+// relative path, counts as ours.
 bool isOfThisRoot(const std::string& process) {
   const std::string start = std::string(base::settings::kRoot.name) + "=";
   for (const std::string& variable : textsOf(process + "/environ")) {
@@ -74,8 +74,8 @@ bool isOfThisRoot(const std::string& process) {
   return true;
 }
 
-// What the machine has registered to run executables of other kinds, such as emulators of other
-// processors.
+// The interpreters that the system has registered for other kinds of executables, such as emulators
+// of other processors.
 std::vector<std::string> registeredInterpreters() {
   std::vector<std::string> interpreters;
   std::error_code ignored;
@@ -113,8 +113,8 @@ class Application {
   }
 
  private:
-  // "#!interpreter argument": the argument, if any, is one text, blanks and all. An interpreter
-  // "env" replaces itself by the program that the argument names. False for what is no script.
+  // Reads "#!interpreter argument". The argument is optional, and one text even with blanks. The
+  // interpreter "env" executes the program that the argument names. False if this is not a script.
   bool readInterpreterLine() {
     std::ifstream in(path_, std::ios::binary);
     char mark[2] = {};
@@ -158,7 +158,8 @@ class Application {
   std::string path_;
   struct stat status_ = {};
   const bool exists_;
-  std::vector<std::vector<std::string>> starts_;  // what may stand before the path; empty: nothing
+  std::vector<std::vector<std::string>>
+      starts_;  // arguments that may precede the path; empty: none
 };
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 
 using Header = std::pair<std::string, std::string>;
 
-// These methods say how long their body is, also when it is empty.
+// These methods send Content-Length also for an empty body.
 bool announcesBody(const std::string& method) {
   return method == "POST" || method == "PUT" || method == "PATCH";
 }
@@ -26,12 +26,12 @@ bool holdsHeader(const HttpRequestData& request, const char* name) {
 }
 
 std::string curlHeaderLine(const Header& header) {
-  // curl takes "Name: " as the wish to leave the header out.
+  // curl removes a header that is given as "Name: "; "Name;" sends an empty header.
   const bool isBlank = header.second.find_first_not_of(" \t\v\f") == std::string::npos;
   return isBlank ? header.first + ";" : header.first + ": " + header.second;
 }
 
-// One word of a POSIX shell. A NUL has no place in one: no command line can hold it.
+// Quotes one word for a POSIX shell. A command line cannot contain NUL bytes.
 std::string quoted(const std::string& text) {
   std::string word = "'";
   for (const char character : text) {

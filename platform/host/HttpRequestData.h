@@ -1,4 +1,4 @@
-// What a request of the development host holds. Used by one thread at a time.
+// The data of a request on the development host. Used by one thread at a time.
 
 #ifndef PLATFORM_HOST_HTTPREQUESTDATA_H_
 #define PLATFORM_HOST_HTTPREQUESTDATA_H_
@@ -15,12 +15,13 @@ struct HttpRequestData {
   std::string method;
   std::string url;
   std::string body;
-  bool hasBody = false;                                      // an empty body is a body too
-  std::vector<std::pair<std::string, std::string>> headers;  // name, value; in order of sending
+  bool hasBody = false;  // an empty body counts as a body
+  std::vector<std::pair<std::string, std::string>>
+      headers;  // name, value; in the order they are sent
 };
 
-// The headers in the form that curl takes, library and program alike: those of the request, and
-// before them a line "Name:" for each header that curl would add without being asked.
+// The headers in the form that both libcurl and the curl program accept. Before the headers of the
+// request comes a line "Name:" for each header that curl would add by default, to remove it.
 std::vector<std::string> curlHeaderLines(const HttpRequestData& request);
 
 }  // namespace host

@@ -19,8 +19,8 @@ void endHereInDryRun(const HttpRequest& request) {
   }
 }
 
-// All of the body is read before anything is sent: a body that cannot be read a second time could
-// not be sent again when a kept connection turns out to be closed.
+// Reads the whole body before sending. A kept connection may turn out to be closed; libcurl then
+// sends the body a second time, but the callback cannot supply it again.
 host::HttpRequestData withBody(host::HttpRequestData request,
                                const HttpRequestRunner::ReadCallback& read) {
   std::array<char, 16384> piece;
@@ -28,7 +28,7 @@ host::HttpRequestData withBody(host::HttpRequestData request,
   request.hasBody = true;
   while (const std::size_t length = read(piece.size(), piece.data())) {
     if (length > piece.size()) {
-      throw std::length_error("the read callback gave more than it was asked for");
+      throw std::length_error("the read callback returned more bytes than requested");
     }
     request.body.append(piece.data(), length);
   }
@@ -50,7 +50,7 @@ int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
   const int result = transfer.perform();
   *status = transfer.status();
   if (result != 0) {
-    body->clear();  // half an answer must not be taken for a whole one
+    body->clear();  // a truncated response must not be used
   }
   return result;
 }

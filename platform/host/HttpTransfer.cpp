@@ -16,7 +16,7 @@ namespace host {
 
 namespace {
 
-// A failed transfer; one with result 0 did not fail.
+// The failure of an exchange; result 0 means success.
 struct Failure {
   int result;
   std::string reason;
@@ -33,26 +33,26 @@ bool holdsLineEnd(const std::string& text) {
   return text.find_first_of(std::string("\r\n\0", 3)) != std::string::npos;
 }
 
-// libcurl passes on whatever it is given here, also what ends the line and starts another one.
+// libcurl does not check these texts: a line end in one of them would start another header.
 Failure findFault(const HttpRequestData& request) {
   if (!isWord(request.method)) {
-    return {base::kMethodRefused, "the method is not one word"};
+    return {base::kMethodRefused, "the method must be one word"};
   }
   if (request.url.find('\0') != std::string::npos) {
-    return {base::kUrlRefused, "the URL holds a NUL"};
+    return {base::kUrlRefused, "the URL contains a NUL byte"};
   }
   for (const auto& header : request.headers) {
     if (!isWord(header.first)) {
-      return {base::kHeaderRefused, "a header's name is not one word: " + header.first};
+      return {base::kHeaderRefused, "a header name must be one word: " + header.first};
     }
     if (holdsLineEnd(header.second)) {
-      return {base::kHeaderRefused, "the value of header " + header.first + " holds CR, LF or NUL"};
+      return {base::kHeaderRefused, "the value of header " + header.first + " contains CR, LF or NUL"};
     }
   }
   return {0, ""};
 }
 
-// Where `url` leads to, without what may hold secrets: the query and a user's name and password.
+// `url` without the parts that may contain secrets: the query, the user name and the password.
 std::string publicPart(const std::string& url) {
   struct Free {
     void operator()(CURLU* parsed) const { curl_url_cleanup(parsed); }
@@ -73,13 +73,13 @@ std::string publicPart(const std::string& url) {
   return text == nullptr ? "" : text;
 }
 
-// The one place that makes libcurl's codes the runner's results.
+// The only place that converts libcurl's codes to the runner's results.
 Failure failureOf(CURLcode code, const CurlHandle& curl, bool isTooLarge) {
   if (code == CURLE_OK) {
     return {0, ""};
   }
   if (isTooLarge) {
-    return {base::kResponseTooLarge, "the answer is larger than ORVANE_MAX_ANSWER_BYTES"};
+    return {base::kResponseTooLarge, "the response is larger than ORVANE_MAX_ANSWER_BYTES"};
   }
   return {code, curl.failureText(code)};
 }
@@ -97,7 +97,7 @@ void setBounds(CurlHandle& curl) {
   curl.set(CURLOPT_PROTOCOLS_STR, "https");
   curl.set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
   curl.set(CURLOPT_FOLLOWLOCATION, 0L);
-  curl.set(CURLOPT_PROXY, "");  // not set, the environment's would count
+  curl.set(CURLOPT_PROXY, "");  // unset, the proxy from the environment would be used
   curl.set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
   curl.set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
 }
@@ -106,8 +106,8 @@ void setTrust(CurlHandle& curl, const base::HttpSettings& settings) {
   curl.set(CURLOPT_SSL_VERIFYPEER, 1L);
   curl.set(CURLOPT_SSL_VERIFYHOST, 2L);
   curl.set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
-  // The authorities are parsed once per handle, not at each new connection; a folder of them would
-  // turn that off.
+  // CA certificates from a file are parsed once per handle, not at each new connection. A CA folder
+  // would turn that off.
   curl.set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
   curl.set(CURLOPT_CA_CACHE_TIMEOUT, -1L);
   if (!settings.caFile.empty()) {
@@ -119,9 +119,9 @@ void setTrust(CurlHandle& curl, const base::HttpSettings& settings) {
 }
 
 void setTimes(CurlHandle& curl, const base::HttpSettings& settings, unsigned int limitSeconds) {
-  const unsigned int most = INT_MAX / 1000;  // libcurl refuses more, and would wait for ever
+  const unsigned int most = INT_MAX / 1000;  // libcurl rejects larger values and then has no limit
   curl.set(CURLOPT_NOSIGNAL, 1L);
-  curl.set(CURLOPT_QUICK_EXIT, 1L);  // or a silent name server would outlast the limit
+  curl.set(CURLOPT_QUICK_EXIT, 1L);  // otherwise a silent name server would exceed the limit
   curl.set(CURLOPT_CONNECTTIMEOUT, settings.connectTimeoutSeconds);
   if (limitSeconds != 0) {
     curl.set(CURLOPT_TIMEOUT, static_cast<long>(std::min(limitSeconds, most)));
@@ -213,7 +213,7 @@ std::size_t HttpTransfer::onWrite(char* data, std::size_t size, std::size_t coun
   try {
     const bool isTaken = !self.write_ || self.write_(length, data) == length;
     return isTaken ? length : CURL_WRITEFUNC_ERROR;
-  } catch (...) {  // libcurl's own functions lie between here and the caller
+  } catch (...) {  // an exception must not pass through libcurl's C code
     self.thrown_ = std::current_exception();
     return CURL_WRITEFUNC_ERROR;
   }
@@ -233,7 +233,7 @@ int HttpTransfer::onProgress(void* transfer, curl_off_t total, curl_off_t receiv
 }
 
 long HttpTransfer::status() const {
-  const long kFirstFinalStatus = 200;  // those below announce an answer
+  const long kFirstFinalStatus = 200;  // 1xx statuses only precede the response
   long status = 0;
   curl_easy_getinfo(curl_.get(), CURLINFO_RESPONSE_CODE, &status);
   return status < kFirstFinalStatus ? 0 : status;
@@ -242,13 +242,13 @@ long HttpTransfer::status() const {
 std::unordered_map<std::string, std::string> HttpTransfer::headers() const {
   const int kFinalAnswer = -1;
   std::unordered_map<std::string, std::string> result;
-  if (status() == 0) {  // libcurl would give those of the transfer before
+  if (status() == 0) {  // libcurl would return the headers of the exchange before
     return result;
   }
   curl_header* header = nullptr;
   while ((header = curl_easy_nextheader(curl_.get(), CURLH_HEADER, kFinalAnswer, header)) !=
          nullptr) {
-    // libcurl leaves the end of the line in a value that is empty otherwise.
+    // libcurl leaves the line end in an otherwise empty value.
     result.emplace(lowerCase(header->name), Str::trim(header->value));
   }
   return result;

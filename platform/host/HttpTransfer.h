@@ -1,4 +1,4 @@
-// One HTTP transfer on libcurl: what both overloads of the runner share. Used by one thread.
+// One HTTP exchange with libcurl, shared by both overloads of the runner. Used by one thread.
 
 #ifndef PLATFORM_HOST_HTTPTRANSFER_H_
 #define PLATFORM_HOST_HTTPTRANSFER_H_
@@ -17,31 +17,31 @@
 
 namespace host {
 
-// How every transfer travels: by https only, to a server whose certificate and name verify, on a
-// kept connection where there is one. No redirect is followed, no cookie kept, no password taken
-// from a .netrc file or a URL, and no proxy from the environment: a bearer token goes only where
-// the request and the host's own settings say.
+// Every exchange uses https only, verifies the server's certificate and name, and reuses a kept
+// connection if possible. It follows no redirects, keeps no cookies, and ignores proxies from the
+// environment and passwords from a .netrc file or a URL. So a bearer token goes only to the server
+// that the request and the host's settings name.
 class HttpTransfer {
  public:
   using WriteCallback = orvane::utilities::HttpRequestRunner::WriteCallback;
   using ProgressCallback = orvane::utilities::HttpRequestRunner::ProgressCallback;
 
   // Prepares to send `request`, which it reads until the end of perform(). `limitSeconds` is the
-  // longest time for the whole transfer; with 0 there is none, and a server that sends nothing for
-  // ORVANE_STALL_TIMEOUT fails the transfer. `write` is given the body of the answer after
-  // decompression, `progress` told of the bytes as they arrive, before it; both may be empty.
+  // time limit for the whole exchange. 0 means no limit; then the exchange fails when the server
+  // sends nothing for ORVANE_STALL_TIMEOUT. `progress` is called as bytes arrive, before
+  // decompression. `write` gets the response body after decompression. Both may be empty.
   HttpTransfer(const HttpRequestData& request, unsigned int limitSeconds, WriteCallback write,
                ProgressCallback progress);
 
-  // Performs the transfer, once. Returns 0, or a failure, which it logs. What a callback throws
-  // stops the transfer and is thrown on.
+  // Performs the exchange, once. Returns 0, or a failure, which it logs. An exception from a
+  // callback stops the exchange and is rethrown.
   int perform();
 
-  // The status of the answer, also when the rest of it failed later on; 0 when none arrived.
+  // The status of the response, even if the rest of it failed; 0 without a response.
   long status() const;
 
-  // The headers of the answer: names in lower case, values without blanks around them. Of a
-  // repeated name the first value is kept. Empty when no answer arrived.
+  // The headers of the response: names in lower case, values without blanks around them. Of a
+  // repeated name, the first value is kept. Empty without a response.
   std::unordered_map<std::string, std::string> headers() const;
 
  private:

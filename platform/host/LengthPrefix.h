@@ -1,4 +1,4 @@
-// The length in front of a serialised string: four bytes, the lowest first, whatever the machine.
+// The length in front of a serialised string: four bytes, little-endian on every machine.
 
 #ifndef PLATFORM_HOST_LENGTHPREFIX_H_
 #define PLATFORM_HOST_LENGTHPREFIX_H_
@@ -10,7 +10,7 @@ namespace host {
 
 using LengthPrefix = std::array<char, 4>;
 
-// False, with `*prefix` as it was, for a length that four bytes cannot hold.
+// False, with `*prefix` unchanged, for a length that does not fit into four bytes.
 inline bool encodeLength(std::uint64_t length, LengthPrefix* prefix) {
   if (length > UINT32_MAX) {
     return false;

@@ -53,7 +53,7 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
   const int length = std::vsnprintf(buffer.data(), buffer.size(), format, values);
   std::string text;
   if (length < 0) {
-    text = format;  // better than nothing
+    text = format;  // formatting failed; log the unformatted text
   } else if (static_cast<std::size_t>(length) < buffer.size()) {
     text.assign(buffer.data(), static_cast<std::size_t>(length));
   } else {
@@ -64,7 +64,7 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
   return text;
 }
 
-// One write where the system takes the line whole, so that lines of two processes do not mix.
+// Normally writes the line with one system call, so that lines of two processes do not mix.
 bool writeLine(int descriptor, const std::string& line) {
   std::size_t written = 0;
   while (written < line.size()) {
@@ -94,7 +94,7 @@ void reportBrokenLog(const std::string& path) {
   if (!reported.exchange(true)) {
     writeLine(STDERR_FILENO, "Cannot write the log file " + base::visibleText(path) + ": " +
                                  std::strerror(errno) + "; set " + base::settings::kLogTarget.name +
-                                 " to a file that can be written. Logging here.\n");
+                                 " to a writable file. Logging to standard error.\n");
   }
 }
 

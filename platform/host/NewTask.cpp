@@ -1,6 +1,6 @@
-// Starts a task: a process of its own session that shares nothing with the caller, and that the
-// system, not the caller, reaps. Its standard streams lead nowhere; its log goes where the settings
-// say. The names and the flags of the device's task list have no meaning here.
+// Starts a task: a process in a new session that shares nothing with the caller. The system reaps
+// it, not the caller. Its standard streams are /dev/null; the settings say where its log goes. The
+// names and flags of the device's task list have no effect here.
 
 #include <ov_sdk.h>
 
@@ -24,15 +24,15 @@ namespace {
 
 const int kFirstOwnDescriptor = 3;
 
-// All that the new process needs, made before the fork: behind it, in a process with threads, even
-// an allocation could wait for ever.
+// All data for the new process, prepared before the fork. After the fork of a process with threads,
+// even an allocation could block forever.
 struct Start {
   std::string path;
   std::vector<char*> arguments;
   std::vector<std::string> environmentTexts;
   std::vector<char*> environment;
   int nothing = -1;  // descriptor of /dev/null
-  int report = -1;   // where the new process tells its number and, on failure, an errno
+  int report = -1;   // pipe for the new process's id and, on failure, an errno
 };
 
 int failed(const std::string& path, const char* step, int error) {
@@ -41,7 +41,7 @@ int failed(const std::string& path, const char* step, int error) {
   return -1;
 }
 
-// The task runs in another current folder: the files that settings name must stay the same.
+// The task runs in another current folder, so relative paths in settings become absolute.
 std::string withAbsolutePath(const std::string& assignment) {
   for (const base::Setting& setting :
        {base::settings::kRoot, base::settings::kCaFile, base::settings::kLogTarget}) {
@@ -75,7 +75,7 @@ Start prepare(const char* path, char* const* arguments) {
   return start;
 }
 
-// A caller without standard streams of its own must not get ours in their place.
+// If the caller has no standard streams, our descriptors must not take their numbers.
 int aboveStandardStreams(int descriptor) {
   if (descriptor < 0 || descriptor >= kFirstOwnDescriptor) {
     return descriptor;
@@ -85,7 +85,8 @@ int aboveStandardStreams(int descriptor) {
   return moved;
 }
 
-// No signal handler of the caller runs in the new process before it has dropped them.
+// Blocks all signals: no signal handler of the caller may run in the new process before that
+// process has removed the handlers.
 class AllSignalsBlocked {
  public:
   AllSignalsBlocked() {
@@ -101,10 +102,10 @@ class AllSignalsBlocked {
   sigset_t before_;
 };
 
-// --- In the new processes: only calls that are safe in a signal handler ------------------------
+// --- In the new processes: only async-signal-safe calls ------------------------------------------
 
 void tell(int report, int number) {
-  // A pipe takes so few bytes at once. Nothing could be done about a failure.
+  // A pipe takes so few bytes in one write. There is no way to report a failure.
   if (::write(report, &number, sizeof number) < 0) {
     ::_exit(1);
   }
@@ -119,7 +120,7 @@ void resetSignals() {
   ::sigprocmask(SIG_SETMASK, &usual.sa_mask, nullptr);
 }
 
-// Leaves the report open until the task runs: then it closes by itself.
+// Keeps the report pipe open; it closes itself when the task starts.
 void closeDescriptorsAtExec() {
   if (::close_range(kFirstOwnDescriptor, ~0U, CLOSE_RANGE_CLOEXEC) == 0) {
     return;
@@ -143,8 +144,8 @@ void closeDescriptorsAtExec() {
   ::_exit(127);
 }
 
-// The process between caller and task ends at once: the task is left to the system, and is not the
-// leader of its session, so no terminal can become its own.
+// The process between caller and task exits at once, so the system reaps the task. The task is not
+// the leader of its session, so it cannot get a controlling terminal.
 [[noreturn]] void becomeGoBetween(const Start& start) {
   ::setsid();
   const pid_t task = ::fork();
@@ -160,7 +161,7 @@ void closeDescriptorsAtExec() {
 
 // --- In the caller -----------------------------------------------------------------------------
 
-// Waits until the task runs or has failed. Returns what was told, in `*number` and `*error`.
+// Waits until the task runs or has failed. Returns the report in `*number` and `*error`.
 void listen(int report, int* number, int* error) {
   for (int* told : {number, error}) {
     while (::read(report, told, sizeof *told) < 0 && errno == EINTR) {

@@ -9,7 +9,7 @@ namespace host {
 std::string randomText(std::size_t length) {
   static const char letters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
   if (::sodium_init() < 0) {
-    throw std::runtime_error("libsodium cannot be started");
+    throw std::runtime_error("cannot initialise libsodium");
   }
   std::string text;
   while (text.size() < length) {

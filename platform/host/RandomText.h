@@ -1,4 +1,4 @@
-// Texts that nobody can guess. Holds no state; safe from any thread.
+// Random texts that cannot be guessed. Has no state; safe from any thread.
 
 #ifndef PLATFORM_HOST_RANDOMTEXT_H_
 #define PLATFORM_HOST_RANDOMTEXT_H_
@@ -8,7 +8,7 @@
 
 namespace host {
 
-// `length` upper-case letters and digits from the system's source of random bytes.
+// `length` upper-case letters and digits from the system's random number generator.
 std::string randomText(std::size_t length);
 
 }  // namespace host

@@ -40,16 +40,16 @@ const unsigned char* bytesOf(const std::string& text) {
 
 void initSodium() {
   if (::sodium_init() < 0) {
-    throw std::runtime_error("libsodium cannot be started");
+    throw std::runtime_error("cannot initialise libsodium");
   }
 }
 
-// Neither a path nor a key holds a NUL, so the two cannot run into each other.
+// Paths and keys contain no NUL, so a NUL separates them without ambiguity.
 std::string boundTo(const std::string& file, const std::string& key) {
   return file + '\0' + key;
 }
 
-// Tells whether the file at a path is still the one that was read.
+// Identifies a file, to see whether a path still has the file that was read.
 using FileMark = std::tuple<dev_t, ino_t, off_t, time_t, long, uid_t, mode_t>;
 
 FileMark markOf(const struct stat& status) {
@@ -67,31 +67,31 @@ void makeKey(const std::string& path) {
     wipe(&key);
   }
   if (failure) {
-    BASE_LOG_FAILURE("Cannot make the key file %s: %s", path.c_str(), failure.text().c_str());
+    BASE_LOG_FAILURE("Cannot create the key file %s: %s", path.c_str(), failure.text().c_str());
   }
 }
 
-// What is wrong with the key file, or null.
+// The fault of the key file, or null.
 const char* faultOf(const struct stat& status) {
   if (!S_ISREG(status.st_mode)) {
-    return "is no regular file";
+    return "is not a regular file";
   }
   if (status.st_uid != ::geteuid()) {
     return "belongs to another user";
   }
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
-    return "is open to other users (chmod 600 if you trust it still)";
+    return "is accessible to other users (run chmod 600 if you still trust it)";
   }
-  return status.st_size == static_cast<off_t>(kKeySize) ? nullptr : "does not hold 32 bytes";
+  return status.st_size == static_cast<off_t>(kKeySize) ? nullptr : "is not 32 bytes long";
 }
 
-// Reads the key into `*key`, which stays empty when that is not possible (logged).
+// Reads the key into `*key`, which stays empty on failure (logged).
 void readKey(const std::string& path, std::string* key, FileMark* mark) {
   const base::Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
   struct stat status = {};
   if (!file.isOpen() || ::fstat(file.get(), &status) != 0) {
     const base::FileFailure failure = {"open", errno, false};
-    BASE_LOG_FAILURE("Cannot read the key file %s, so no secret can be read or kept: %s",
+    BASE_LOG_FAILURE("Cannot read the key file %s, so secrets cannot be read or saved: %s",
                      path.c_str(), failure.text().c_str());
     return;
   }
@@ -99,12 +99,12 @@ void readKey(const std::string& path, std::string* key, FileMark* mark) {
   std::string bytes(kKeySize, '\0');
   if (fault == nullptr &&
       ::read(file.get(), &bytes[0], kKeySize) != static_cast<ssize_t>(kKeySize)) {
-    fault = "cannot be read whole";
+    fault = "cannot be read completely";
   }
   if (fault != nullptr) {
     BASE_LOG_FAILURE(
-        "The key file %s %s, so no secret can be read or kept: mend it, or move it "
-        "away to start with a new one (all secrets are lost then)",
+        "The key file %s %s, so secrets cannot be read or saved. Fix it, or move it "
+        "away to get a new key (all secrets are then lost)",
         path.c_str(), fault);
     return;
   }

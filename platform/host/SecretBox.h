@@ -9,37 +9,37 @@
 
 namespace host {
 
-// Where the key lives: 32 random bytes, made once, read by their owner only.
+// Device path of the key file: 32 random bytes, created once, readable by the owner only.
 extern const char kSecretKeyPath[];
 
-// Overwrites what `text` holds, and empties it.
+// Overwrites the content of `text`, and empties it.
 void wipe(std::string* text);
 
-// One key, kept out of core dumps and swap space, and wiped at the end.
+// Owns the key; keeps it out of core dumps and swap space, and wipes it in the destructor.
 class SecretBox {
  public:
-  // The box of the present root folder, read once per process unless the key file is exchanged.
-  // Null, and logged, when the key file cannot be read or is not to be trusted: of the wrong size,
-  // of another owner, or open to others.
+  // The box of the current root folder. Its key is read once per process, and again when the key
+  // file is replaced. Null (logged) when the key file cannot be read or trusted: wrong size,
+  // another owner, or accessible to other users.
   static std::shared_ptr<const SecretBox> open();
-  // The same, but makes a key where there is none yet.
+  // Like open(), but creates a missing key file.
   static std::shared_ptr<const SecretBox> openOrMake();
 
   SecretBox(const SecretBox&) = delete;
   SecretBox& operator=(const SecretBox&) = delete;
   ~SecretBox();
 
-  // "v1:" and the nonce, the sealed text and its tag in Base64 (the variant for URLs, unpadded).
-  // The text opens again only for the same key of the same file, named by its device path.
+  // Returns "v1:" followed by nonce, encrypted text and tag in URL-safe Base64 without padding.
+  // unseal() succeeds only for the same key of the same file, named by its device path.
   std::string seal(const std::string& clearText, const std::string& file,
                    const std::string& key) const;
 
-  // Opens what seal() made. False, with `*clearText` empty, when it is anything else.
+  // Decrypts a text that seal() made. False, with `*clearText` empty, for any other text.
   bool unseal(const std::string& sealed, const std::string& file, const std::string& key,
               std::string* clearText) const;
 
  private:
-  explicit SecretBox(std::string* key);  // takes the bytes over and wipes them
+  explicit SecretBox(std::string* key);  // copies the key and wipes `*key`
   static std::shared_ptr<const SecretBox> openAt(const std::string& path, bool mayMake);
 
   unsigned char* key_;

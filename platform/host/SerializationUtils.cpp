@@ -12,7 +12,7 @@ namespace orvane {
 namespace utilities {
 namespace {
 
-// A length is only believed as far as the bytes behind it are there.
+// Allocates memory only for bytes that are present: a damaged length must not ask for too much.
 const std::size_t kPieceBytes = 65536;
 
 bool readBytes(std::streambuf& in, char* bytes, std::size_t length) {
@@ -70,7 +70,7 @@ int SerializationUtils::SerializeString(std::string const& value, std::ostream& 
 
 int SerializationUtils::DeserializeString(std::istream& in, std::string* value) {
   if (!in || !readString(*in.rdbuf(), value)) {
-    in.setstate(std::ios::eofbit | std::ios::failbit);  // also where the stream had failed before
+    in.setstate(std::ios::eofbit | std::ios::failbit);  // even if the stream had failed before
     return -1;
   }
   return 0;

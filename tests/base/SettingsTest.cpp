@@ -50,7 +50,7 @@ TEST(SettingsTest, ANumberThatIsNoneIsReportedOnceAndTheDefaultCounts) {
     EXPECT_EQ(base::number(base::settings::kConnectTimeoutSeconds, 0, 3600), 10) << text;
   }
   const std::string reported = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(reported, HasSubstr("ORVANE_CONNECT_TIMEOUT=x is not a whole number"));
+  EXPECT_THAT(reported, HasSubstr("ORVANE_CONNECT_TIMEOUT=x is not an integer"));
   EXPECT_EQ(std::count(reported.begin(), reported.end(), '\n'), 4);
 }
 

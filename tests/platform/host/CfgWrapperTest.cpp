@@ -91,7 +91,7 @@ TEST_F(CfgWrapperTest, ReadsWhatIsNoWholeNumberAsTheDefaultAndSaysSo) {
     save("a", text);
     root_.clearLog();
     EXPECT_EQ(ReadInt(CfgWrapper(kPath, CfgWrapper::Read).handle, "a", 7), 7) << text;
-    EXPECT_THAT(root_.log(), HasSubstr("a is no whole number and reads as its default")) << text;
+    EXPECT_THAT(root_.log(), HasSubstr("a is not an integer; using the default")) << text;
   }
 }
 
@@ -125,7 +125,7 @@ TEST_F(CfgWrapperTest, DoesNotSaveAFileThatWasOpenedToRead) {
   WriteString(config.handle, "a", "2");
   config.saveAndClose();
   EXPECT_EQ(load("a"), "1");
-  EXPECT_THAT(root_.log(), HasSubstr("opened to read"));
+  EXPECT_THAT(root_.log(), HasSubstr("opened read-only"));
 }
 
 TEST_F(CfgWrapperTest, HoldsNothingOnceItIsClosed) {
@@ -138,7 +138,7 @@ TEST_F(CfgWrapperTest, HoldsNothingOnceItIsClosed) {
   WriteString(config.handle, "a", "2");
   config.save();
   EXPECT_EQ(load("a"), "1");
-  EXPECT_THAT(root_.log(), HasSubstr("a is not written"));
+  EXPECT_THAT(root_.log(), HasSubstr("a was not written"));
   EXPECT_THAT(root_.log(), HasSubstr("Nothing is saved"));
 }
 
@@ -146,7 +146,7 @@ TEST_F(CfgWrapperTest, RefusesAValueWithoutAKey) {
   CfgWrapper config(kPath, CfgWrapper::Write);
   WriteString(config.handle, nullptr, "x");
   EXPECT_THAT(config.keys(), IsEmpty());
-  EXPECT_THAT(root_.log(), HasSubstr("without a key"));
+  EXPECT_THAT(root_.log(), HasSubstr("its key is null"));
 }
 
 TEST_F(CfgWrapperTest, TakesNoTextForAnEmptyOne) {
@@ -277,7 +277,7 @@ TEST_F(CfgWrapperTest, KeepsADamagedFileBesideTheNewOne) {
   EXPECT_EQ(root_.contentOf(std::string(kPath) + ".damaged"), "a=1\nnonsense\n");
   EXPECT_EQ(load("a"), "1");
   EXPECT_EQ(load("b"), "2");
-  EXPECT_THAT(root_.log(), HasSubstr("it is kept as " + root_.at(kPath) + ".damaged"));
+  EXPECT_THAT(root_.log(), HasSubstr("kept as " + root_.at(kPath) + ".damaged"));
 }
 
 TEST_F(CfgWrapperTest, KeepsEachDamagedFile) {
@@ -306,7 +306,7 @@ TEST_F(CfgWrapperTest, DoesNotReplaceADamagedFileThatCannotBeKept) {
   save("a", "1");
   EXPECT_EQ(root_.contentOf(kPath), "eleventh\n");
   EXPECT_EQ(root_.contentOf(std::string(kPath) + ".damaged"), "0");
-  EXPECT_THAT(root_.log(), HasSubstr("move away the damaged files"));
+  EXPECT_THAT(root_.log(), HasSubstr("move away the earlier damaged files"));
 }
 
 TEST_F(CfgWrapperTest, ReadsAFolderInPlaceOfTheFileAsEmptyAndDoesNotReplaceIt) {
@@ -356,7 +356,7 @@ TEST_F(CfgWrapperTest, DoesNotWriteAFileThatIsTooLargeToRead) {
   save("b", std::string(16u << 20, 'x'));
   EXPECT_EQ(load("a"), "1");
   EXPECT_EQ(load("b"), "(missing)");
-  EXPECT_THAT(root_.log(), HasSubstr("more than 16 MiB"));
+  EXPECT_THAT(root_.log(), HasSubstr("larger than 16 MiB"));
 }
 
 TEST_F(CfgWrapperTest, SaysSoWhenAFolderCannotBeMade) {

@@ -134,7 +134,7 @@ TEST_F(HostIdentityTest, TakesTheDefaultForAScreenWithoutASize) {
     EXPECT_EQ(ScreenWidth(), 1200);
     EXPECT_EQ(ScreenHeight(), 1600);
   }));
-  EXPECT_THAT(root_.log(), HasSubstr("screenWidth is no whole number"));
+  EXPECT_THAT(root_.log(), HasSubstr("screenWidth is not an integer"));
 }
 
 TEST_F(HostIdentityTest, IsGivenOutAlsoWhenItCannotBeKept) {

@@ -222,7 +222,7 @@ TEST_F(InterruptedSaveTest, AFailureOfAnySystemCallLeavesAWholeFileAndALogLine) 
       const std::string log = root_.log();
       const int now = lastSaved("a");
       EXPECT_TRUE(now == 1 || now == 2) << call.name << ' ' << call.number;
-      EXPECT_EQ(now == 1, log.find("which stays as it is") != std::string::npos)
+      EXPECT_EQ(now == 1, log.find("which is unchanged") != std::string::npos)
           << call.name << ' ' << call.number << ' ' << error << ' ' << log;
       EXPECT_THAT(root_.namesIn(kFolder), ElementsAre(".a.cfg.lock", "a.cfg")) << call.name;
       if (now == 1) {
@@ -240,7 +240,7 @@ TEST_F(InterruptedSaveTest, SaysSoWhenASavedFileMayNotBeOnTheDiskYet) {
   // The file's own is the first, the folder's the second.
   ASSERT_EQ(run(underTracer(tampering({"fsync", 2}, "error=EIO"), saver("a", 2, 1))), 0);
   EXPECT_EQ(lastSaved("a"), 2);
-  EXPECT_THAT(root_.log(), HasSubstr("a power cut could undo it: fsync folder"));
+  EXPECT_THAT(root_.log(), HasSubstr("a power failure could undo it: fsync folder"));
 }
 
 TEST_F(InterruptedSaveTest, AFullDiskLeavesTheOldFile) {

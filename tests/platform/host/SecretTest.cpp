@@ -55,7 +55,7 @@ class SecretTest : public testing::Test {
   void expectNotOpened(const char* key, const char* path = kPath) const {
     root_.clearLog();
     EXPECT_EQ(load(key, path), "(default)");
-    EXPECT_THAT(root_.log(), HasSubstr("the secret " + std::string(key) + " cannot be opened"));
+    EXPECT_THAT(root_.log(), HasSubstr("the secret " + std::string(key) + " cannot be decrypted"));
     EXPECT_THAT(root_.log(), HasSubstr(root_.at(path)));
   }
 
@@ -199,13 +199,13 @@ TEST_F(SecretTest, APlainTextIsNoSecretAndASecretNoPlainText) {
     config.saveAndClose();
   }
   EXPECT_EQ(load("plain"), "(default)");
-  EXPECT_THAT(root_.log(), HasSubstr("plain is kept as a text, not as a secret"));
+  EXPECT_THAT(root_.log(), HasSubstr("plain is a text, not a secret"));
   root_.clearLog();
   EXPECT_EQ(load("copied"), "(default)");
   const CfgWrapper config(kPath, CfgWrapper::Read);
   EXPECT_EQ(ReadString(config.handle, "copied", ""), sealed("token"));
   EXPECT_STREQ(ReadString(config.handle, "token", "(default)"), "(default)");
-  EXPECT_THAT(root_.log(), HasSubstr("token is kept as a secret, not as a text"));
+  EXPECT_THAT(root_.log(), HasSubstr("token is a secret, not a text"));
   EXPECT_EQ(ReadInt(config.handle, "token", 7), 7);
 }
 
@@ -239,7 +239,7 @@ TEST_F(SecretTest, AKeyOfTheWrongSizeIsNotUsed) {
   save("token", "a");
   for (const std::size_t size : {0u, 31u, 33u}) {
     root_.put(kKeyPath, std::string(size, 'k'));
-    expectNeitherReadNorKept("does not hold 32 bytes");
+    expectNeitherReadNorKept("is not 32 bytes long");
   }
 }
 
@@ -247,7 +247,7 @@ TEST_F(SecretTest, AKeyThatOthersCanOpenIsNotUsed) {
   save("token", "a");
   for (const unsigned int mode : {0640u, 0620u, 0604u, 0602u}) {
     ASSERT_EQ(::chmod(root_.at(kKeyPath).c_str(), mode), 0);
-    expectNeitherReadNorKept("is open to other users");
+    expectNeitherReadNorKept("is accessible to other users");
   }
 }
 
@@ -261,7 +261,7 @@ TEST_F(SecretTest, AKeyBehindALinkIsNotUsed) {
 TEST_F(SecretTest, AFolderInPlaceOfTheKeyIsNotUsed) {
   std::filesystem::create_directories(root_.at(kKeyPath));
   root_.put(kPath, "token=secret:v1:AAAA\n");
-  expectNeitherReadNorKept("is no regular file");
+  expectNeitherReadNorKept("is not a regular file");
 }
 
 // Only root can give a file away; another user reads as one who is not the owner of its own file.
