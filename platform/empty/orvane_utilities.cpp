@@ -1,5 +1,5 @@
-// The utilities over nothing: no configuration file has a value, and every request is answered with
-// the text that the environment names.
+// Utilities that store nothing: no configuration file has a value, and the response to every
+// request is the value of the environment variable FOOTPRINT_ANSWER.
 
 #include <cstdlib>
 #include <cstring>

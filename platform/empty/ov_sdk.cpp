@@ -1,4 +1,4 @@
-// A device SDK that holds nothing and allocates nothing, so that what is counted is the library's.
+// A device SDK that stores and allocates nothing, so that measurements count the library only.
 
 #include <ov_sdk.h>
 

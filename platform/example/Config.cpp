@@ -1,4 +1,4 @@
-// Configurations as files that are replaced whole.
+// Configuration files, which are always replaced whole.
 
 #include <unistd.h>
 
@@ -19,7 +19,7 @@ std::string realPath(const std::string& path) {
 
 bool placeFile(const std::string& path, const std::string& content,
                int (*place)(const char* from, const char* to)) {
-  std::error_code ignored;  // without its folder the file cannot be made, either
+  std::error_code ignored;  // without the folder, creating the file fails, too
   std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
   std::string temporary = path + ".XXXXXX";
   const int file = ::mkstemp(&temporary[0]);
@@ -36,7 +36,7 @@ bool placeFile(const std::string& path, const std::string& content,
 
 namespace {
 
-// "%hh" stands for a byte that means something in the file.
+// Escapes bytes that have a meaning in the file as "%hh".
 std::string escaped(const std::string& text) {
   static const char digits[] = "0123456789abcdef";
   std::string result;
@@ -63,7 +63,7 @@ std::string unescaped(const std::string& entry) {
   return result;
 }
 
-// The entry of `key` when it is of the kind that is asked for, else null.
+// The entry of `key` if it has the requested type, else null.
 const std::string* find(const ov_config* config, const char* key, bool isSecret) {
   const auto found = config->entries.find(key);
   const bool fits = found != config->entries.end() && (found->second[0] == '!') == isSecret;
@@ -93,7 +93,7 @@ void ov_config::save() {
   }
   errno = EACCES;
   if (!maySave || !firmware::placeFile(path, content, &::rename)) {
-    ov_print_log2(2, __FILE__, __LINE__, __func__, "Cannot save %s, which stays as it is: %s",
+    ov_print_log2(2, __FILE__, __LINE__, __func__, "Cannot save %s, which is unchanged: %s",
                   path.c_str(), std::strerror(errno));
   }
 }

@@ -16,9 +16,9 @@ const std::string& deviceSetting(const std::string& name) {
         {"serialNumber", "none"},
         {"screenWidth", "1072"},
         {"screenHeight", "1448"},
-        {"logLevel", "2"},  // at 5 the log shows passwords
+        {"logLevel", "2"},  // level 5 shows passwords
         {"caFile", ""},
-        {"connectTo", ""},  // for a store on a desk
+        {"connectTo", ""},  // for the local store service
     };
     ov_config config("/mnt/ext1/system/config/device.cfg");
     for (auto& setting : found) {
@@ -64,7 +64,7 @@ void ov_print_log2(int level, const char* file, int line, const char* function, 
   const int length = ::vasprintf(&text, format, values);
   va_end(values);
   for (int i = 0; i < length; ++i) {
-    text[i] = text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];  // a call is one line
+    text[i] = text[i] == '\n' || text[i] == '\r' ? ' ' : text[i];  // one line per call
   }
   if (length >= 0) {
     std::fprintf(stderr, "%d %s:%d %s: %s\n", level, file, line, function, text);

@@ -1,5 +1,5 @@
 // HTTP on libcurl's easy interface: https only, certificate and host name verified (libcurl's
-// default), no redirect followed, no proxy, a connection of its own for each request.
+// default), no redirects, no proxy, a new connection for each request.
 
 #include <curl/curl.h>
 
@@ -19,7 +19,7 @@ struct Request {
   std::string url;
   std::string body;
   bool hasBody = false;
-  std::vector<std::string> headerLines;  // "Name: value", in the order of sending
+  std::vector<std::string> headerLines;  // "Name: value", in the order they are sent
 };
 
 }  // namespace firmware
@@ -44,7 +44,7 @@ void HttpRequest::AddPostData(const std::string& body) {
 }
 
 void HttpRequest::AddHeader(const std::string& name, const std::string& value) {
-  // libcurl takes "Name:" as the wish to leave the header out.
+  // libcurl removes a header that is given as "Name:"; "Name;" sends an empty header.
   data->headerLines.push_back(value.empty() ? name + ";" : name + ": " + value);
 }
 
@@ -79,7 +79,7 @@ const long kStallSeconds = 30;
 const unsigned int kMostSeconds = 86400;
 const std::uint64_t kMostAnswerBytes = 16u << 20;
 
-// One transfer. What a callback throws must not travel through libcurl, and waits in `thrown`.
+// One exchange. An exception from a callback must not pass through libcurl; `thrown_` keeps it.
 class Transfer {
  public:
   Transfer(const firmware::Request& request, HttpRequestRunner::WriteCallback write,
@@ -93,7 +93,7 @@ class Transfer {
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
-  // `limitSeconds` 0 is no limit.
+  // `limitSeconds` 0 means no limit.
   int perform(unsigned int limitSeconds, long* status);
 
   Headers headers() const;
@@ -136,18 +136,18 @@ int Transfer::perform(unsigned int limitSeconds, long* status) {
     set(CURLOPT_NOPROGRESS, 0L);
     result = curl_easy_perform(curl_);
     curl_easy_getinfo(curl_, CURLINFO_RESPONSE_CODE, status);
-    *status = *status < 200 ? 0 : *status;  // those below only announce an answer
+    *status = *status < 200 ? 0 : *status;  // 1xx statuses only precede the response
   }
   if (thrown_) {
     std::rethrow_exception(thrown_);
   }
-  if (result != CURLE_OK) {  // without the URL, which may hold what nobody should read
+  if (result != CURLE_OK) {  // without the URL, which may contain secrets
     ov_print_log2(2, __FILE__, __LINE__, __func__, "%s", curl_easy_strerror(result));
   }
   return result;
 }
 
-// False when a value ends its line: what a server once sent must not become a header of ours.
+// False when a value contains a line end: a text from a server must not become another header.
 bool Transfer::setHeaders() {
   headerLines_ = curl_slist_append(nullptr, "Expect:");  // no round trip before the body
   for (const std::string& line : request_.headerLines) {
@@ -235,7 +235,7 @@ int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
   };
   const int result = Transfer(*request.data, keep, {}).perform(limit, status);
   if (result != 0) {
-    body->clear();  // half an answer must not be taken for a whole one
+    body->clear();  // a truncated response must not be used
   }
   return result;
 }

@@ -1,4 +1,4 @@
-// Secrets under a key of this device. Replace seal() and unseal() by your device's key store.
+// Encrypts secrets with a key of this device. Replace seal() and unseal() with your key store.
 
 #include <sodium.h>
 #include <unistd.h>
@@ -32,7 +32,7 @@ bool readKey(std::string* key) {
   return sodium_init() >= 0 && key->size() == crypto_secretbox_KEYBYTES;
 }
 
-// Of two programs that make it at once one is the first, and its key counts.
+// If two programs create the key at once, the first one's key is used by both.
 bool readOrMakeKey(std::string* key) {
   return readKey(key) ||
          ((placeFile(realPath(kKeyPath), randomBytes(crypto_secretbox_KEYBYTES), &::link) ||
@@ -45,7 +45,7 @@ bool readOrMakeKey(std::string* key) {
 bool seal(const std::string& clearText, std::string* sealed) {
   std::string key;
   if (!readOrMakeKey(&key)) {
-    ov_print_log2(2, __FILE__, __LINE__, __func__, "No key in %s: %s", kKeyPath,
+    ov_print_log2(2, __FILE__, __LINE__, __func__, "Cannot use the key in %s: %s", kKeyPath,
                   std::strerror(errno));
     return false;
   }

@@ -1,4 +1,4 @@
-// Tasks: processes with a session of their own, started by posix_spawn and found in /proc.
+// Tasks: processes in a new session, started with posix_spawn and found in /proc.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -19,8 +19,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// An ended child must be waited for, or its number stays taken. A task manager does that in a
-// process of its own; here each call looks after what the earlier ones started.
+// Somebody must wait for an ended child, or it remains a zombie. A task manager does that in a
+// separate process; here each call reaps the children of earlier calls.
 void reapEnded(pid_t started = 0) {
   static std::mutex mutex;
   static std::vector<pid_t> tasks;
@@ -70,7 +70,7 @@ int NewTask(const char* path, char* const* arguments, const char*, const char*, 
 int FindTaskByAppName(const char* path) {
   reapEnded();
   const fs::path application = firmware::realPath(path);
-  std::error_code error;  // processes come and go, and those of others are not shown
+  std::error_code error;  // ignored: processes come and go, and other users' are hidden
   for (fs::directory_iterator process("/proc", error); process != fs::directory_iterator();
        process.increment(error)) {
     const int number = std::atoi(process->path().filename().c_str());

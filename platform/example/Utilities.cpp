@@ -1,4 +1,4 @@
-// The classes of orvane::utilities but the two for HTTP.
+// The classes of orvane::utilities, except the two for HTTP.
 
 #include <cstdint>
 #include <istream>
@@ -49,7 +49,7 @@ void CfgWrapper::closeNoSave() {
 // --- BookStoreVersionProxy -----------------------------------------------------------------------
 
 int BookStoreVersionProxy::storeVersion(bool) {
-  return 3;  // the generation that the library serves
+  return 3;  // the generation that the library supports
 }
 
 std::string BookStoreVersionProxy::configKeyAccessToken() {
@@ -88,12 +88,12 @@ int SerializationUtils::DeserializeString(std::istream& in, std::string* value) 
   for (int shift = 0; shift < 32; shift += 8) {
     length |= static_cast<std::uint32_t>(in.get() & 0xff) << shift;
   }
-  char byte = 0;  // one by one: a damaged length must not ask for memory
+  char byte = 0;  // byte by byte: a damaged length must not allocate memory
   while (in && text.size() < length && in.get(byte)) {
     text += byte;
   }
   if (!in) {
-    in.setstate(std::ios::eofbit);  // or the library would read on
+    in.setstate(std::ios::eofbit);  // otherwise the library would read on
     return 1;
   }
   *value = text;

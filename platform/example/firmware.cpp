@@ -1,6 +1,6 @@
-// A firmware in small: says who is signed in at which of the regional stores. With a store's code
-// and an e-mail address as arguments, and the password on standard input, it signs that customer in
-// first.
+// A minimal firmware: lists the regional stores, and says who is signed in at which of them. With a
+// store code and an email address as arguments, and the password on standard input, it signs that
+// customer in first.
 
 #include <iostream>
 #include <memory>
@@ -18,8 +18,8 @@ using orvane::utilities::CfgWrapper;
 
 namespace {
 
-// Without the device's own token the library takes no session from the file. Your account service
-// gets a real one when the device is registered.
+// Without the device's own token, the library ignores the session in the file. Your account service
+// gets a real token when the device is registered.
 void registerDevice() {
   const std::string key = BookStoreVersionProxy::configKeySacAccessToken();
   CfgWrapper session("/mnt/ext1/system/config/bookstore.cfg", CfgWrapper::Write);

@@ -1,5 +1,6 @@
-// A platform for unit tests: records every call of the library in order, plays what the test
-// arranged, and fails or throws at any single call. There is one per process, used by one thread.
+// A platform implementation for unit tests: records every call of the library in order, plays the
+// responses that the test prepared, and fails or throws at any single call. There is one per
+// process, used by one thread.
 
 #ifndef PLATFORM_FAKE_FAKEPLATFORM_H_
 #define PLATFORM_FAKE_FAKEPLATFORM_H_
@@ -16,13 +17,13 @@
 
 namespace fake {
 
-// What an arranged call throws.
+// Thrown by the calls that throwAt() selects.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// One request as the runner was given it.
+// One request that the runner received.
 struct Request {
   std::string method;
   std::string url;
@@ -31,21 +32,21 @@ struct Request {
   // The time limit; -1 for the overload without one.
   long limit = -1;
 
-  // The value of a header; empty when the request has none of this name.
+  // The value of a header; empty if the request does not have the header.
   std::string header(const std::string& name) const;
 };
 
 class Http {
  public:
-  // The next transfer succeeds with this answer. Answers are played in the order given; without
-  // one, a transfer fails with 7.
+  // The next exchange succeeds with this response. Responses are played in the order given; without
+  // a response, an exchange fails with 7.
   void answer(long status, const std::string& body,
               const std::unordered_map<std::string, std::string>& headers = {});
 
-  // The next transfer fails: the runner returns `err`, with whatever had arrived.
+  // The next exchange fails: the runner returns `err`, with the data that had arrived.
   void failTransfer(int err, long status = 0, const std::string& body = "");
 
-  // Called, where the test sets it, with the curl command of each request before that is recorded.
+  // If set, called with the curl command of each request, before the request is recorded.
   std::function<void(const std::string& curlCommand)> beforeSending;
 
   std::vector<Request> requests;
@@ -61,11 +62,11 @@ class Http {
 
 class Config {
  public:
-  // Device path to key to clear text.
+  // Maps device path to key to clear text.
   std::map<std::string, std::map<std::string, std::string>> files;
 
-  // Device path to the keys whose values are secrets. A secret that is read as a text, and the
-  // other way round, reads as kWrongKind.
+  // Maps device path to the keys whose values are secrets. A secret that is read as a text, and a
+  // text that is read as a secret, reads as kWrongKind.
   std::map<std::string, std::set<std::string>> secretKeys;
 
   void setText(const std::string& path, const std::string& key, const std::string& value);
@@ -75,7 +76,7 @@ class Config {
 
 extern const char kWrongKind[];
 
-// One line of the log, with its values filled in.
+// One formatted line of the log.
 struct LogLine {
   int level;
   std::string file;
@@ -105,10 +106,10 @@ struct Task {
 
 class Tasks {
  public:
-  // What FindTaskByAppName answers.
+  // The result of FindTaskByAppName.
   int running = 0;
   std::vector<Task> started;
-  // Called when a task is started, if it is set.
+  // If set, called when a task is started.
   std::function<void()> onStart;
 };
 
@@ -120,7 +121,7 @@ class Platform {
   Tasks tasks;
   std::vector<LogLine> log;
 
-  // Every call in order: its name, a blank, and what it was given.
+  // Every call in order: its name, a blank, and its arguments.
   std::vector<std::string> calls;
 
   // The calls whose names are in `names`, in order.
@@ -129,12 +130,12 @@ class Platform {
   // The texts of the log lines of this level.
   std::vector<std::string> logTexts(int level) const;
 
-  // The `nth` call from now of this name throws Failure, or fails in its own way: a transfer with
-  // 7, a text as a null pointer, a task with -1, a save by not saving.
+  // The `nth` call of this name from now throws Failure, or fails in its own way: an exchange with
+  // 7, a text with a null pointer, a task with -1, a save by not saving.
   void throwAt(const std::string& name, int nth = 1);
   void failAt(const std::string& name, int nth = 1);
 
-  // Called by the definitions: records one call; throws or returns true (fail) as arranged.
+  // For the platform functions: records one call. Throws, or returns true if the call must fail.
   bool record(const std::string& name, const std::string& detail = std::string());
 
  private:
@@ -149,7 +150,7 @@ class Platform {
 // The platform of this process.
 Platform& platform();
 
-// Forgets everything that was recorded and arranged.
+// Forgets everything that was recorded and prepared.
 void reset();
 
 }  // namespace fake

@@ -64,7 +64,7 @@ void announce(const HttpRequest& request) {
   }
 }
 
-// Passes the body on in pieces of a few bytes, as a network does.
+// Passes the body on in pieces of a few bytes, as a network may.
 bool deliver(const std::string& body, const HttpRequestRunner::WriteCallback& write) {
   const std::size_t piece = 5;
   for (std::size_t start = 0; write && start < body.size(); start += piece) {

@@ -13,8 +13,8 @@ using fake::platform;
 
 namespace {
 
-// The stored text, the default, or null when the call was arranged to fail. The text stays valid
-// until the next call only, as the device promises no more.
+// Returns the stored text, the default, or null if the call must fail. The text is valid until the
+// next call only, because the device guarantees no more.
 const char* readText(ov_config* config, const char* name, const char* key, const char* fallback,
                      bool secret) {
   if (platform().record(name, key)) {
