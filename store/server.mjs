@@ -1,4 +1,4 @@
-// Runs the local store service in the foreground until it is told to end (SIGTERM, SIGINT).
+// Runs the store service in the foreground until SIGTERM or SIGINT.
 import { readFileSync, rmSync } from 'node:fs';
 import { join, resolve } from 'node:path';
 import { parseArgs } from 'node:util';
@@ -10,7 +10,9 @@ const usage = 'usage: node server.mjs --state DIR [--port N] [--control-port N] 
 
 function readPort(name, text) {
   const port = Number(text);
-  if (!/^\d+$/.test(text) || port > 65535) throw new Error(`${name} must be a number up to 65535`);
+  if (!/^\d+$/.test(text) || port > 65535) {
+    throw new Error(`${name} must be an integer from 0 to 65535`);
+  }
   return port;
 }
 
@@ -32,8 +34,8 @@ function readOptions() {
   };
 }
 
-// The kernel's start time of this process: with it, a pid that was given to another process later
-// is not taken for this one.
+// The start time of this process, from the kernel. It shows whether a later process has the same
+// pid.
 function ownStartTime() {
   const afterName = readFileSync('/proc/self/stat', 'utf8').split(') ').pop();
   return afterName.split(' ')[19];
@@ -65,6 +67,6 @@ async function main() {
 }
 
 main().catch((error) => {
-  console.error(`local store: ${error.message}`);
+  console.error(`store service: ${error.message}`);
   process.exitCode = 1;
 });

@@ -1,4 +1,4 @@
-// The regional stores as the seed file lists them. A public operation: anyone may ask.
+// The regional stores, as in the seed file. A public operation.
 export default function availableBookStores(_arguments, { seed }) {
   return seed.stores;
 }

@@ -1,5 +1,5 @@
-// Registers a customer, who signs in afterwards. Without a password there is an account but no way
-// to sign in, as on the platform.
+// Registers a customer, without signing in. Without a password the account exists but cannot sign
+// in, as on the platform.
 import { requireIntegration } from '../src/callers.mjs';
 import { asCustomerType } from '../src/customerType.mjs';
 import { isEmailAddress } from '../src/emailAddress.mjs';

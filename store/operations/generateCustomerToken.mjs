@@ -1,5 +1,5 @@
-// Signs a customer in. Why it failed is not told: wrong address, wrong password and too many
-// attempts look alike.
+// Signs a customer in. The error is the same for a wrong address, a wrong password and too many
+// attempts.
 import { requireIntegration } from '../src/callers.mjs';
 import { Category, OperationError, inputError } from '../src/platformErrors.mjs';
 
@@ -14,7 +14,7 @@ export default async function generateCustomerToken({ email, password }, context
   const customer = await context.signIn.check(email, password);
   if (!customer) throw new OperationError(refused, Category.Authentication);
   const { accessToken, refreshToken, expiresIn } = context.sessions.open(customer.id);
-  // The answer's cache id is already that of a customer.
+  // The cache id of the response is already that of a customer.
   context.caller = { kind: 'customer', customerId: customer.id };
   return { token: accessToken, refresh_token: refreshToken, expires_in: expiresIn };
 }

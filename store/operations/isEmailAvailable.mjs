@@ -1,4 +1,4 @@
-// Whether an address may still be registered.
+// Whether an address can be registered.
 import { isEmailAddress } from '../src/emailAddress.mjs';
 import { inputError } from '../src/platformErrors.mjs';
 

@@ -1,5 +1,5 @@
-// A book of the catalogue, priced for the store that is asked; `product` is null for a uid that no
-// book has.
+// A book of the catalogue, with the price of the requested store; `product` is null for an unknown
+// uid.
 import { requireCustomer } from '../src/callers.mjs';
 import { asProductType } from '../src/productType.mjs';
 

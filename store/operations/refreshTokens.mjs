@@ -1,4 +1,4 @@
-// Trades a refresh token for a new pair of tokens; it can be used once.
+// Exchanges a refresh token for a new pair of tokens. A refresh token can be used once.
 import { requireIntegration } from '../src/callers.mjs';
 import { Category, OperationError, inputError } from '../src/platformErrors.mjs';
 

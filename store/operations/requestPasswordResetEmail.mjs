@@ -1,5 +1,4 @@
-// Writes the mail with which a customer would choose a new password. The link in it is invented:
-// nothing answers there.
+// Writes the email with the password reset link. The link is fictitious and does not work.
 import { randomBytes } from 'node:crypto';
 
 import { requireIntegration } from '../src/callers.mjs';

@@ -1,4 +1,4 @@
-// Customer access tokens, in the form of the platform's: a JWT signed with HS256.
+// Customer access tokens in the platform's format: JWTs signed with HS256.
 import { createHmac, randomUUID, timingSafeEqual } from 'node:crypto';
 
 const customerType = 3;
@@ -24,7 +24,7 @@ export class AccessTokens {
     return createHmac('sha256', this.#key).update(text).digest('base64url');
   }
 
-  // A token from now until `lifetimeSeconds` later. Its id makes it differ from every other one.
+  // A token that expires `lifetimeSeconds` after now. Its id makes every token unique.
   make({ customerId, session, lifetimeSeconds, now }) {
     const iat = now / 1000;
     const claims = { uid: customerId, utypid: customerType, iat, exp: iat + lifetimeSeconds };
@@ -32,7 +32,7 @@ export class AccessTokens {
     return `${signed}.${this.#sign(signed)}`;
   }
 
-  // What a token says, expired or not; undefined for a text that was not made here.
+  // The claims of a token, expired or not; undefined for a text that this class did not make.
   read(token) {
     const parts = token.split('.');
     if (parts.length !== 3) return undefined;

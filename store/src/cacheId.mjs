@@ -1,6 +1,7 @@
 import { createHash } from 'node:crypto';
 
-// The id under which the platform would cache an answer: callers that see the same prices share it.
+// The id under which the platform would cache a response. Callers that see the same prices share
+// it.
 export function cacheId({ store, caller, salt }) {
   const factors = {
     CURRENCY: store.currency,

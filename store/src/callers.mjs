@@ -1,12 +1,12 @@
-// Who sends a request. Token readers are functions `(token) => caller`: a reader that does not know
-// the token returns undefined, one that knows it as expired or revoked throws a Refusal. More
-// readers (customer tokens) are added where the service is put together.
+// Identifies who sends a request. Token readers are functions `(token) => caller`. A reader returns
+// undefined for an unknown token, and throws a Refusal for an expired or revoked one. service.mjs
+// adds more readers (customer tokens).
 import { Category, OperationError, Reason, Refusal, inputError } from './platformErrors.mjs';
 
 export const guest = Object.freeze({ kind: 'guest' });
 
-// The token of an Authorization header, or null for every header that the platform ignores: the
-// value must be exactly two pieces around one blank, the first of them "bearer" in any case.
+// The token of an Authorization header, or null for a header that the platform ignores. The value
+// must be two words with one blank between them, the first of them "bearer" in any letter case.
 export function bearerToken(authorization) {
   const pieces = (authorization ?? '').split(' ');
   if (pieces.length !== 2 || pieces[0].toLowerCase() !== 'bearer') return null;
@@ -30,8 +30,8 @@ async function readToken(token, tokenReaders) {
   );
 }
 
-// The caller of a request. A token that cannot be read is a Refusal on a line that refuses such
-// tokens and makes a guest on the other.
+// The caller of a request. For an unreadable token, one line throws a Refusal; on the other line
+// the caller is a guest.
 export async function identifyCaller(authorization, tokenReaders, line) {
   const token = bearerToken(authorization);
   if (token === null) return guest;
@@ -44,13 +44,13 @@ export async function identifyCaller(authorization, tokenReaders, line) {
   }
 }
 
-// Throws for everybody but a signed-in customer.
+// Throws unless the caller is a signed-in customer.
 export function requireCustomer(caller) {
   if (caller.kind === 'customer') return;
   throw new OperationError("The current customer isn't authorized.", Category.Authorization);
 }
 
-// Throws for a caller who would have to prove to be human: integrations need not.
+// Throws for a caller who would have to solve a captcha. Integrations need not.
 export function requireIntegration(caller) {
   if (caller.kind === 'integration') return;
   throw inputError('ReCaptcha validation failed, please try again');

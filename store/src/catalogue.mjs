@@ -1,9 +1,9 @@
-// The books of the stores, as the catalogue file lists them.
+// The books of the stores, as in the catalogue file.
 import { readFileSync } from 'node:fs';
 
 const covers = ['painted', 'placeholder', 'missing', 'none'];
 
-// A uid is the number of the product as base64; the picture is named after the number.
+// A uid is the number of the product in base64. The number is also the name of the picture.
 function numberOf(uid) {
   return Buffer.from(uid, 'base64').toString();
 }
@@ -14,7 +14,7 @@ function uidOf(number) {
 
 const isPrice = (value) => Number.isFinite(value) && value >= 0;
 
-// What is wrong with the prices of a book, or undefined.
+// The fault of a book's prices, or undefined.
 function priceProblem({ prices, specialPrices = {} }, currencies) {
   const unpriced = currencies.find((currency) => !isPrice(prices?.[currency]));
   if (unpriced) return `has no price in ${unpriced}`;
@@ -30,19 +30,19 @@ function problemOf(book, currencies) {
     return 'has a "uid" that is not a number in base64';
   }
   if (typeof book.name !== 'string') return 'has no "name"';
-  if (!covers.includes(book.cover)) return `must have as "cover" one of: ${covers.join(', ')}`;
+  if (!covers.includes(book.cover)) return `needs a "cover" that is one of: ${covers.join(', ')}`;
   return priceProblem(book, currencies);
 }
 
-// Reads the catalogue file: a Map of the books by uid. A book has `uid`, `number`, `name`, `cover`,
-// `prices` by currency, and maybe `authors` and `specialPrices`. A book that cannot be sold in one
-// of the stores stops the start.
+// Reads the catalogue file and returns a Map of the books by uid. A book has `uid`, `number`,
+// `name`, `cover`, `prices` by currency, and optionally `authors` and `specialPrices`. Throws for a
+// book that one of the stores cannot sell.
 export function loadCatalogue(path, { stores }) {
   const currencies = [...new Set(stores.map(({ currency }) => currency))];
   const books = new Map();
   for (const listed of JSON.parse(readFileSync(path, 'utf8')).books) {
     const book = { cover: 'painted', ...listed };
-    const problem = books.has(book.uid) ? 'is there twice' : problemOf(book, currencies);
+    const problem = books.has(book.uid) ? 'is listed twice' : problemOf(book, currencies);
     if (problem) throw new Error(`catalogue ${path}: book "${book.uid}" ${problem}`);
     books.set(book.uid, { ...book, number: numberOf(book.uid) });
   }

@@ -1,5 +1,6 @@
-// The service's own certificate authority and the server certificate signed by it. Both are made at
-// the first start and kept in the state folder, so that clients need to trust the authority once.
+// The service's own CA certificate, and the server certificate that it signs. Both are created at
+// the first start and kept in the state folder, so that clients need to trust the CA certificate
+// only once.
 import { execFileSync } from 'node:child_process';
 import { X509Certificate } from 'node:crypto';
 import { existsSync, readFileSync, renameSync, rmSync, writeFileSync } from 'node:fs';
@@ -16,7 +17,7 @@ const subjectAltName = [
   ...addresses.map((address) => `IP:${address}`),
 ].join(',');
 
-// Whoever trusts the authority trusts it for these names only.
+// The CA certificate is valid for these names only.
 const nameConstraints = [
   'permitted;DNS:bookstore.example',
   'permitted;DNS:localhost',
@@ -29,7 +30,7 @@ function openssl(...parameters) {
     execFileSync('openssl', parameters, { stdio: ['ignore', 'pipe', 'pipe'] });
   } catch (error) {
     if (error.code === 'ENOENT') {
-      throw new Error('the program openssl is missing; install it (apt-get install openssl)');
+      throw new Error('openssl is missing; run "apt-get install openssl"');
     }
     throw new Error(`openssl ${parameters[0]} failed: ${error.stderr}`);
   }
@@ -37,7 +38,7 @@ function openssl(...parameters) {
 
 const newKey = ['-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:P-256', '-nodes'];
 
-// Key and certificate take their names only when both are complete.
+// Key and certificate get their final names only when both are complete.
 function makePair(key, certificate, make) {
   const newKeyPath = `${key}.new`;
   const newCertificatePath = `${certificate}.new`;
@@ -123,8 +124,8 @@ function isSignedBy(certificatePath, authorityPath) {
   return new X509Certificate(readFileSync(certificatePath)).verify(authority.publicKey);
 }
 
-// Makes what is missing or about to expire. Returns the key and certificate chain as PEM texts for
-// the server and `authorityPath`, the file that clients trust.
+// Creates the certificates that are missing or about to expire. Returns the key and certificate
+// chain as PEM texts for the server, and `authorityPath`, the CA certificate that clients trust.
 export function prepareCertificates(stateFolder, now = Date.now()) {
   const files = {
     authorityKey: join(stateFolder, 'ca.key'),

@@ -1,4 +1,4 @@
-// The control port: plain HTTP for tests, to arrange faults, change settings and read requests.
+// The control port: plain HTTP for tests, to add faults, change settings and read requests.
 import { createServer } from 'node:http';
 
 import { checkFault } from './faults.mjs';

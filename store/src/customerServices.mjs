@@ -1,4 +1,4 @@
-// Everything about customers, put together over one state document.
+// Creates the customer services, which share one state document.
 import { join } from 'node:path';
 
 import { AccessTokens } from './accessTokens.mjs';
@@ -12,8 +12,7 @@ import { loadTokenKey } from './stateFile.mjs';
 
 const empty = { customers: [], sessions: {}, signInFailures: {} };
 
-// The services that operations find in their context. All times are those of `clock()`, in
-// milliseconds.
+// The services in the context of operations. All times are from `clock()`, in milliseconds.
 export function createCustomerServices({ stateFolder, settings, passwordCost, clock }) {
   const document = new StateDocument(join(stateFolder, 'customers.json'), empty);
   const accessTokens = new AccessTokens(loadTokenKey(stateFolder));

@@ -1,4 +1,4 @@
-// A customer as the schema's type Customer. Addresses are not kept; the platform tells no id.
+// A customer as the schema's type Customer. Addresses are not stored; the platform sends no id.
 const Subscription = Object.freeze({ Subscribed: 1, Unsubscribed: 3 });
 
 export function asCustomerType(customer) {

@@ -1,4 +1,4 @@
-// The customers. All stores belong to one website: an account that was made in one is known in all.
+// The customers. All stores belong to one website, so an account is valid in all of them.
 import { emailKey } from './emailAddress.mjs';
 
 export class Customers {
@@ -19,8 +19,8 @@ export class Customers {
     return this.#document.value.customers.find((customer) => emailKey(customer.email) === key);
   }
 
-  // Keeps a new customer (`fields` as in the schema's input, with `passwordHash` for the password)
-  // and returns it, or returns undefined when the address is taken.
+  // Stores and returns a new customer (`fields` as in the schema's input, with `passwordHash`
+  // instead of the password). Returns undefined when the address is already registered.
   add(fields) {
     if (this.findByEmail(fields.email)) return undefined;
     const { customers } = this.#document.value;

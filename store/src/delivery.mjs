@@ -1,4 +1,4 @@
-// Sends an answer over HTTP/1.1 or HTTP/2, whole or in the broken way that a fault asks for.
+// Sends a response over HTTP/1.1 or HTTP/2, complete or damaged as a fault requests.
 import { Readable, pipeline } from 'node:stream';
 import { setTimeout as wait } from 'node:timers/promises';
 import { createGzip } from 'node:zlib';
@@ -40,7 +40,7 @@ async function* firstBytes(pieces, count) {
   }
 }
 
-// Resolves when the piece has left for the network, rejects when the client has gone.
+// Resolves when the piece has been sent, rejects when the client has left.
 function write(response, piece, signal) {
   return new Promise((resolve, reject) => {
     const gone = () => reject(signal.reason);
@@ -93,7 +93,7 @@ function writeHeadOnly(response, answer) {
   response.end();
 }
 
-// Sends the answer. Rejects when the client leaves before its end (see hasClientLeft).
+// Sends the response. Rejects when the client leaves before the end (see hasClientLeft).
 export async function deliver(request, response, answer, fault) {
   const client = new AbortController();
   response.once('close', () => client.abort());
@@ -108,7 +108,7 @@ const leavingCodes = new Set([
   'ERR_STREAM_PREMATURE_CLOSE',
 ]);
 
-// Whether an error only says that the client is gone, which is its right.
+// Whether an error only means that the client has left, which is not a failure of the service.
 export function hasClientLeft(error) {
   return error.name === 'AbortError' || leavingCodes.has(error.code);
 }

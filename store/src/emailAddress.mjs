@@ -3,12 +3,12 @@ const atom = "[A-Za-z0-9!#$%&'*+/=?^_`{|}~-]+";
 const label = '[\\p{L}\\p{N}](?:[\\p{L}\\p{N}-]{0,61}[\\p{L}\\p{N}])?';
 const pattern = new RegExp(`^${atom}(?:\\.${atom})*@(?:${label}\\.)+${label}$`, 'u');
 
-// Whether a text has the form of an e-mail address: ASCII before the "@", a name with a dot after.
+// Whether a text is a valid email address: ASCII before the "@", and a name with a dot after it.
 export function isEmailAddress(text) {
   return text.length <= maximumCharacters && pattern.test(text);
 }
 
-// Two addresses are the same account when they differ in letter case only.
+// Addresses that differ only in letter case belong to the same account.
 export function emailKey(email) {
   return email.toLowerCase();
 }

@@ -1,5 +1,5 @@
-// Faults that tests arrange over the control port. They change how an answer is sent; the operation
-// itself has run before, as when a network fails on the way back.
+// Faults that tests add over the control port. They change how a response is sent. The operation
+// has already run, as when the network fails on the way back.
 
 const isCount = (value) => Number.isInteger(value) && value >= 0;
 const isPositive = (value) => Number.isInteger(value) && value > 0;
@@ -10,42 +10,42 @@ const isHeaderValue = (value) =>
   value === null || isText(value) || (Array.isArray(value) && value.every(isText));
 
 const members = {
-  operation: { check: isText, wants: 'the name of a root field, or "*" for every request' },
-  times: { check: isPositive, wants: 'a whole number above 0' },
-  delayMilliseconds: { check: isCount, wants: 'a whole number' },
+  operation: { check: isText, expected: 'the name of a root field, or "*" for every request' },
+  times: { check: isPositive, expected: 'an integer above 0' },
+  delayMilliseconds: { check: isCount, expected: 'an integer, 0 or above' },
   status: {
     check: (value) => Number.isInteger(value) && value >= 200 && value <= 599,
-    wants: 'a status from 200 to 599',
+    expected: 'a status from 200 to 599',
   },
   headers: {
     check: (value) => isObject(value) && Object.values(value).every(isHeaderValue),
-    wants: 'an object of texts, lists of texts, or null to leave a header out',
+    expected: 'an object whose values are texts, lists of texts, or null to omit a header',
   },
-  body: { check: isText, wants: 'a text' },
-  gzip: { check: isFlag, wants: 'true or false' },
+  body: { check: isText, expected: 'a text' },
+  gzip: { check: isFlag, expected: 'true or false' },
   drip: {
     check: (value) =>
       isObject(value) && isPositive(value.bytes) && isCount(value.intervalMilliseconds),
-    wants: '{"bytes": n, "intervalMilliseconds": n}',
+    expected: '{"bytes": n, "intervalMilliseconds": n}',
   },
-  cutAfterBytes: { check: isCount, wants: 'a whole number' },
-  endless: { check: isFlag, wants: 'true or false' },
-  drop: { check: isFlag, wants: 'true or false' },
+  cutAfterBytes: { check: isCount, expected: 'an integer, 0 or above' },
+  endless: { check: isFlag, expected: 'true or false' },
+  drop: { check: isFlag, expected: 'true or false' },
 };
 
-// A fault as a test sent it; throws an Error that names the first wrong member.
+// Checks a fault that a test has sent; throws an Error that names the first invalid member.
 export function checkFault(value) {
   if (!isObject(value)) throw new Error('a fault must be an object');
   for (const [name, content] of Object.entries(value)) {
     const member = members[name];
     const known = Object.keys(members).join(', ');
     if (!member) throw new Error(`unknown member "${name}"; use ${known}`);
-    if (!member.check(content)) throw new Error(`"${name}" must be ${member.wants}`);
+    if (!member.check(content)) throw new Error(`"${name}" must be ${member.expected}`);
   }
   return { operation: '*', ...value };
 }
 
-// The faults that wait for their request, in the order in which they were added.
+// The faults that wait for a request, in the order in which they were added.
 export class FaultList {
   #faults = [];
 
@@ -53,7 +53,7 @@ export class FaultList {
     this.#faults.push({ ...fault });
   }
 
-  // Clears the faults of one operation, or all of them when none is named.
+  // Clears the faults of one operation, or all faults when no operation is named.
   clear(operation) {
     this.#faults = operation ? this.#faults.filter((fault) => fault.operation !== operation) : [];
   }
@@ -62,7 +62,8 @@ export class FaultList {
     return this.#faults.map((fault) => ({ ...fault }));
   }
 
-  // The first fault that fits an operation (null: unknown), counted as used; an empty one if none.
+  // Returns the first fault for an operation (null: unknown) and counts it as used. Returns an
+  // empty object if there is no such fault.
   take(operation) {
     const index = this.#faults.findIndex((fault) => ['*', operation].includes(fault.operation));
     if (index === -1) return {};
@@ -87,7 +88,7 @@ function withHeaders(headers, changes) {
   return [...kept, ...added];
 }
 
-// The answer with the fault's status, headers and body in place of its own.
+// The response, with the status, headers and body of the fault.
 export function applyFault(answer, fault) {
   return {
     ...answer,

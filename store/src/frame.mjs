@@ -1,5 +1,5 @@
-// The frame around every operation: from a request as it arrived to the answer of the platform.
-// Operations see none of it; they get their arguments and a context, and return or throw.
+// The steps that all operations share, from the request to the response of the platform. An
+// operation gets only its arguments and a context, and returns or throws.
 import { GraphQLError } from 'graphql';
 import { createHandler } from 'graphql-http';
 
@@ -12,7 +12,7 @@ import { Category, Reason, Refusal } from './platformErrors.mjs';
 import { checkCurrency, describeOperation, findStore, readParameters } from './requestParts.mjs';
 import { answerHeaders } from './responseHeaders.mjs';
 
-// What an operation threw without meaning to is hidden from the client, as the platform does.
+// Hides unexpected errors from the client, as the platform does.
 function formatError(error) {
   const cause = error.originalError;
   if (!cause || cause instanceof GraphQLError) return error;
@@ -24,7 +24,7 @@ function refusalResult({ message, category }) {
   return { errors: [category ? { message, extensions: { category } } : { message }] };
 }
 
-// The first error with a category decides.
+// The first error with a category determines the status.
 function statusOfResult(result, line) {
   const categorised = result.errors?.find((error) => error.extensions?.category);
   return line.categoryStatus[categorised?.extensions.category] ?? 200;
@@ -42,8 +42,8 @@ function isCacheIdSent(request, line, settings) {
 }
 
 // Makes the function `(request) => answer`. A request has `method`, `url`, `hostName`, `headers`
-// (names in lower case) and `body` (a Buffer); an answer has `status`, `headers` (pairs), `body`
-// (text, bytes or null) and `operation` (the root field that was asked for, or null).
+// (names in lower case) and `body` (a Buffer). A response has `status`, `headers` (pairs), `body`
+// (text, bytes or null) and `operation` (the requested root field, or null).
 export function createFrame({ schema, operations, services, tokenReaders, settings, salt }) {
   const execute = createHandler({
     schema,

@@ -1,12 +1,12 @@
-// The two lines of the platform that clients meet. What differs between them stands here and
-// nowhere else; the switch is `settings.line`.
+// The two lines (versions) of the platform. This file contains all their differences;
+// `settings.line` selects the line.
 import { Category, Reason } from './platformErrors.mjs';
 
-// A refusal before execution is an answer with status 500 on the old line, whatever the reason.
+// On the old line, every refusal before execution is a response with status 500.
 const old = {
   refusalStatus: Object.fromEntries(Object.values(Reason).map((reason) => [reason, 500])),
   categoryStatus: {},
-  // A token that nobody can read makes the caller a guest.
+  // A caller with an unreadable token is a guest.
   refusesUnreadableTokens: false,
   sendsCacheIdForMutations: true,
   answersUnreadableBodiesWithAPage: true,
@@ -37,7 +37,7 @@ const current = {
   sendsCacheIdForMutations: false,
   answersUnreadableBodiesWithAPage: false,
   escapesMarkupInJson: false,
-  // Unless guests may check out with a known address, every address is said to be free.
+  // While the setting guestCheckoutLogin is false, every address is reported as available.
   mayHideEmailAvailability: true,
   missingValueMessage: (label) => `"${label}" is a required value.`,
   cacheControl: 'no-store, no-cache, must-revalidate, max-age=0',

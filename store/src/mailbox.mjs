@@ -1,4 +1,5 @@
-// Mail is not sent but written, one readable file per message: mail/0001-password-reset.eml.
+// Writes emails to files instead of sending them, one file per message:
+// mail/0001-password-reset.eml.
 import { mkdirSync, readdirSync } from 'node:fs';
 import { join } from 'node:path';
 
@@ -17,8 +18,8 @@ export class Mailbox {
     mkdirSync(folder, { recursive: true, mode: 0o700 });
   }
 
-  // Writes one message: `kind` becomes part of the file's name, `paragraphs` are texts without line
-  // ends (those in them become blanks, as in the header fields).
+  // Writes one message. `kind` becomes part of the file name. `paragraphs` are texts; line ends in
+  // them become blanks, as in the header fields.
   send({ kind, from, to, subject, paragraphs }) {
     const number = this.#nextNumber();
     const fields = {

@@ -1,4 +1,4 @@
-// The few HTML pages that the platform and the web server before it answer with.
+// The HTML error pages of the platform and of the web server in front of it.
 import { pageHeaders } from './responseHeaders.mjs';
 
 function html(title, heading) {
@@ -15,7 +15,7 @@ export const pages = Object.freeze({
   notAllowed: html('405 Not Allowed', '405 Not Allowed'),
 });
 
-// An answer that is a page and belongs to no operation.
+// A response with a page, without an operation.
 export function page(status, body) {
   return { status, headers: pageHeaders(), body, operation: null };
 }

@@ -1,4 +1,4 @@
-// What the platform demands of a new password, in the order in which it complains.
+// The platform's rules for a new password, in the order in which it checks them.
 import { inputError } from './platformErrors.mjs';
 
 const minimumCharacters = 8;

@@ -1,4 +1,4 @@
-// Password hashes: scrypt with a salt for each password; cost and salt are kept with the hash.
+// Password hashes: scrypt with a salt for each password. Cost and salt are stored with the hash.
 import { randomBytes, scrypt, timingSafeEqual } from 'node:crypto';
 import { promisify } from 'node:util';
 
@@ -10,8 +10,8 @@ const hashBytes = 32;
 
 export const defaultPasswordCost = 16384;
 
-// Makes the function that gives the text under which a password is kept, "scrypt:N:r:p:salt:hash".
-// `cost` is scrypt's N, a power of two: time and memory grow with it.
+// Returns a function that hashes a password to the text "scrypt:N:r:p:salt:hash". `cost` is
+// scrypt's N, a power of two: time and memory grow with it.
 export function passwordHasher(cost) {
   return async (password) => {
     const salt = randomBytes(saltBytes);
@@ -22,7 +22,7 @@ export function passwordHasher(cost) {
   };
 }
 
-// Whether a password is the one behind the kept text.
+// Whether a password matches the stored hash.
 export async function isPassword(password, kept) {
   const [, N, r, p, salt, hash] = kept.split(':');
   const expected = Buffer.from(hash, 'base64url');

@@ -1,4 +1,4 @@
-// The pictures of the books, painted when they are asked for: each number has its own pattern.
+// The pictures of the books, drawn on request. Each number has its own pattern.
 import { createHash } from 'node:crypto';
 
 import { page, pages } from './pages.mjs';
@@ -14,13 +14,13 @@ const cell = 20;
 const border = 10;
 const white = 255;
 
-// The name of a book's picture without its ending, or null.
+// The name of a book's picture without its extension, or null.
 function pictureName({ cover, number }) {
   if (cover === 'none') return null;
   return cover === 'placeholder' ? placeholderName : number;
 }
 
-// Where a store says that the picture of a book is, or null. The picture itself can be missing.
+// The URL of a book's picture in a store's responses, or null. The picture itself may be missing.
 export function pictureUrl(book, store) {
   const name = pictureName(book);
   return name && new URL(`${pictureFolder}${name}.png`, store.url).href;
@@ -40,8 +40,8 @@ function paint(name) {
   return encodePng({ width, height, shadeAt });
 }
 
-// Makes the function `(request) => answer` for the pictures of a catalogue; see frame.mjs for
-// requests and answers.
+// Makes the function `(request) => response` for the pictures of a catalogue; see frame.mjs for
+// requests and responses.
 export function createPictures(catalogue) {
   const painted = [...catalogue.values()].filter(({ cover }) => cover === 'painted');
   const names = new Set([placeholderName, ...painted.map(pictureName)]);

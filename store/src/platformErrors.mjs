@@ -21,8 +21,8 @@ export const Reason = Object.freeze({
   Unexpected: 'unexpected',
 });
 
-// Thrown by an operation: the answer names the message and the category, and the operation's
-// root field becomes null.
+// Thrown by an operation: the response has the message and the category, and the operation's root
+// field becomes null.
 export class OperationError extends GraphQLError {
   constructor(message, category) {
     super(message, { extensions: { category } });
@@ -33,7 +33,7 @@ export function inputError(message) {
   return new OperationError(message, Category.Input);
 }
 
-// Thrown before execution: the answer holds "errors" alone.
+// Thrown before execution: the response has only "errors".
 export class Refusal extends Error {
   constructor(reason, message, category) {
     super(message);

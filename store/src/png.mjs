@@ -1,4 +1,4 @@
-// Writes pictures in shades of grey, as a reader shows them, as PNG.
+// Writes greyscale PNG pictures.
 import { deflateSync } from 'node:zlib';
 
 const signature = Buffer.from([0x89, 0x50, 0x4e, 0x47, 0x0d, 0x0a, 0x1a, 0x0a]);
@@ -6,7 +6,7 @@ const bitsPerPixel = 8;
 const grey = 0;
 const noFilter = 0;
 
-// The format's checksum, bit by bit: the pictures are small.
+// PNG's checksum, computed bit by bit because the pictures are small.
 function checksum(bytes) {
   let rest = 0xffffffff;
   for (const byte of bytes) {
@@ -27,7 +27,7 @@ function chunk(type, content) {
   return Buffer.concat([unsigned32(content.length), checked, unsigned32(checksum(checked))]);
 }
 
-// The bytes of a picture whose pixels have the shades `shadeAt(x, y)`, from 0 (black) to 255.
+// The bytes of a picture; `shadeAt(x, y)` gives the grey level of a pixel, from 0 (black) to 255.
 export function encodePng({ width, height, shadeAt }) {
   const rows = Array.from({ length: height }, (_row, y) => [
     noFilter,

@@ -5,8 +5,8 @@ function roundedToCents(value) {
   return Math.round(value * 100) / 100;
 }
 
-// Like the platform, this rounds the discount but not the prices: a reduction by some percent is
-// sent with all its decimals.
+// Like the platform, this rounds the discount but not the prices: a price that was reduced by a
+// percentage is sent with all its decimals.
 function asPrice(regular, final, currency) {
   const off = regular - final;
   return {

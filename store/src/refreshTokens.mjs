@@ -1,5 +1,5 @@
-// Refresh tokens: the name of their session and a secret, both random and without meaning. What is
-// kept of either is its hash.
+// A refresh token is the name of its session and a secret, both random. Only their hashes are
+// stored.
 import { createHash, randomBytes } from 'node:crypto';
 
 const sessionBytes = 16;
@@ -18,7 +18,7 @@ export function newRefreshToken(sessionName) {
   return `${sessionName}${random(secretBytes)}`;
 }
 
-// The hashes of a refresh token and of its session's name; undefined for a text of another form.
+// The hashes of a refresh token and of its session's name; undefined for a text in another format.
 export function describeRefreshToken(token) {
   if (!pattern.test(token)) return undefined;
   const sessionName = token.slice(0, sessionCharacters);

@@ -8,13 +8,13 @@ function headerPairs(rawHeaders) {
   return pairs;
 }
 
-// The last requests as they came over the wire, for tests that check bytes.
+// The last requests, byte for byte as received, for tests.
 export class RequestLog {
   #requests = [];
   #count = 0;
 
-  // `exchange` is what the request itself does not tell: its connection (the client's port), the
-  // operation that it asked for and the status of the answer.
+  // `exchange` has the connection (the client's port), the requested operation and the status of
+  // the response.
   add(request, body, exchange) {
     this.#count += 1;
     this.#requests.push({

@@ -1,4 +1,4 @@
-// Reads the parts of a request as the platform does: what it asks for and which store it means.
+// Reads the parts of a request as the platform does: parameters, operation, store and currency.
 import { getOperationAST, parse } from 'graphql';
 
 import { Category, Reason, Refusal } from './platformErrors.mjs';
@@ -19,7 +19,7 @@ function unreadable() {
   return new Refusal(Reason.UnreadableBody, 'Syntax Error: Unable to parse the request.');
 }
 
-// PHP knows no difference between an empty object and an empty list.
+// PHP does not distinguish an empty object from an empty list.
 function readVariables(value) {
   if (value === undefined || value === null) return {};
   if (Array.isArray(value) && value.length === 0) return {};
@@ -58,8 +58,8 @@ export function readParameters(request) {
   };
 }
 
-// What a query asks for: its kind ("query", "mutation") and the name of its first root field. Both
-// are null when the query names no operation; `parses` tells whether it is GraphQL at all.
+// The operation of a query: its kind ("query", "mutation") and the name of its first root field.
+// Both are null when the query has no operation. `parses` is false for a syntax error.
 export function describeOperation({ query, operationName }) {
   let document;
   try {
@@ -80,7 +80,7 @@ export function readCookies(header) {
   return Object.fromEntries(pairs.filter(([name]) => name !== ''));
 }
 
-// The store that a request addresses: by header, else by the cookie "store", else the default one.
+// The store of a request: from the Store header, else the cookie "store", else the default store.
 export function findStore(headers, seed) {
   const code =
     (headers.store ?? '').trim() || readCookies(headers.cookie).store || seed.defaultStoreCode;

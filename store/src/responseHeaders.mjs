@@ -47,7 +47,7 @@ function notCached(line) {
   ];
 }
 
-// Headers of a GraphQL answer. `cacheId` is left out where it is null.
+// Headers of a GraphQL response. Without a `cacheId` (null) its header is omitted.
 export function answerHeaders({ request, line, settings, cacheId }) {
   const posted = request.method === 'POST';
   return [

@@ -20,9 +20,9 @@ async function loadOperations(folder) {
   );
 }
 
-// Reads the schema and the folder of operations: one file per root field, named like it, whose
-// default export is its resolver `(arguments, context)`. A field without a file, or a file without
-// a field, stops the start.
+// Reads the schema and the folder of operations. Each root field has a file with the same name,
+// whose default export is its resolver `(arguments, context)`. Throws for a field without a file
+// and for a file without a field.
 export async function loadSchema(schemaPath, operationsFolder) {
   const schema = buildSchema(readFileSync(schemaPath, 'utf8'));
   assertValidSchema(schema);

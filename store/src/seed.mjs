@@ -4,7 +4,7 @@ function requireThat(condition, path, problem) {
   if (!condition) throw new Error(`seed file ${path}: ${problem}`);
 }
 
-// Reads the seed file and checks what the service itself relies on.
+// Reads the seed file and checks the members that the service uses.
 export function loadSeed(path) {
   const seed = JSON.parse(readFileSync(path, 'utf8'));
   requireThat(Array.isArray(seed.stores), path, '"stores" must be a list');

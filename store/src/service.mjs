@@ -1,5 +1,5 @@
-// Puts the service together and starts its two ports. New token readers, services for operations
-// and pages are added here; operations are found by their files.
+// Assembles the service and opens its two ports. Add token readers, services for operations and
+// pages here. Operations are found by their file names.
 import { mkdirSync } from 'node:fs';
 import { fileURLToPath } from 'node:url';
 
@@ -27,7 +27,7 @@ function listen(server, port) {
   return new Promise((resolve, reject) => {
     server.once('error', (error) => {
       const taken = error.code === 'EADDRINUSE';
-      reject(taken ? new Error(`port ${port} is taken; choose another one, or 0`) : error);
+      reject(taken ? new Error(`port ${port} is in use; choose another port, or 0`) : error);
     });
     server.listen(port, loopback, () => resolve(server.address().port));
   });
@@ -47,8 +47,8 @@ function trackConnections(server, event) {
     });
 }
 
-// Starts the service with its state in `stateFolder`. Port 0 takes a free one. Resolves once both
-// ports answer; `close()` ends every connection.
+// Starts the service with its state in `stateFolder`. Port 0 selects a free port. Resolves when
+// both ports are open; `close()` ends every connection.
 export async function startService({
   stateFolder,
   port = 0,

@@ -1,6 +1,6 @@
-// Sessions of signed-in customers: one sign-in and all tokens that descend from it. Whoever shows a
-// refresh token that was used before ends its session: the newer one may be with a thief or with
-// the owner, nobody can tell, and so neither goes on without the password.
+// Sessions of signed-in customers: one sign-in and all tokens that descend from it. A refresh token
+// that is used a second time ends its session: the service cannot know whether the owner or a thief
+// has the newer token, so both need the password again.
 import { Category, Reason, Refusal } from './platformErrors.mjs';
 import { describeRefreshToken, newRefreshToken, newSessionName } from './refreshTokens.mjs';
 
@@ -28,8 +28,8 @@ export class Sessions {
     return this.#giveTokens(customerId, newSessionName());
   }
 
-  // The customer (`customerId`) and new `tokens` for a refresh token, which is used up; undefined
-  // when it is unknown, has expired or was used before.
+  // Uses up a refresh token, and returns its customer (`customerId`) and new `tokens`. Returns
+  // undefined when the token is unknown, has expired or was used before.
   refresh(refreshToken) {
     const described = describeRefreshToken(refreshToken);
     const session = described && this.#find(described.session);
@@ -44,8 +44,8 @@ export class Sessions {
     return { customerId, tokens: this.#giveTokens(customerId, described.sessionName) };
   }
 
-  // The customer of an access token; undefined for a text that is none of ours. Throws a Refusal
-  // for one that has expired or whose session has ended.
+  // The customer of an access token; undefined for any other text. Throws a Refusal for an expired
+  // token and for a token whose session has ended.
   customerOf(accessToken) {
     const claims = this.#accessTokens.read(accessToken);
     if (!claims) return undefined;
@@ -82,7 +82,7 @@ export class Sessions {
     }));
   }
 
-  // Without the expired ones and the oldest of a customer who has too many.
+  // Without expired sessions, and without the oldest sessions of a customer who has too many.
   #pruned(sessions) {
     const counts = new Map();
     const kept = Object.entries(sessions)

@@ -1,23 +1,23 @@
 import { lines } from './lines.mjs';
 
-const isFlag = { check: (value) => typeof value === 'boolean', wants: 'true or false' };
+const isFlag = { check: (value) => typeof value === 'boolean', expected: 'true or false' };
 
 const tenYears = 10 * 365 * 24 * 3600;
 
 const secondsFrom = (least) => ({
   check: (value) => Number.isInteger(value) && value >= least && value <= tenYears,
-  wants: `a whole number from ${least} to ${tenYears}`,
+  expected: `an integer from ${least} to ${tenYears}`,
 });
 
 const members = {
   line: {
     check: (value) => Object.hasOwn(lines, value),
-    wants: `one of: ${Object.keys(lines).join(', ')}`,
+    expected: `one of: ${Object.keys(lines).join(', ')}`,
   },
   cacheIdHeader: {
     check: (value) =>
       value === null || (typeof value === 'string' && /^x-magento-cache-id$/i.test(value)),
-    wants: '"X-Magento-Cache-Id" in any letter case, or null to leave it out',
+    expected: '"X-Magento-Cache-Id" in any letter case, or null to omit it',
   },
   sessionCookies: isFlag,
   guestCheckoutLogin: isFlag,
@@ -36,13 +36,13 @@ export const defaultSettings = Object.freeze({
   clockOffsetSeconds: 0,
 });
 
-// The given settings; throws an Error that names the first wrong one.
+// Checks the given settings; throws an Error that names the first invalid one.
 export function checkSettings(value) {
   for (const [name, content] of Object.entries(value ?? {})) {
     const member = members[name];
     const known = Object.keys(members).join(', ');
     if (!member) throw new Error(`unknown setting "${name}"; use ${known}`);
-    if (!member.check(content)) throw new Error(`"${name}" must be ${member.wants}`);
+    if (!member.check(content)) throw new Error(`"${name}" must be ${member.expected}`);
   }
   return { ...value };
 }

@@ -1,5 +1,6 @@
-// Checks e-mail and password, and refuses an address for a while after too many failures. Attempts
-// for one address are checked one after the other, so that many at once do not slip past the count.
+// Checks email address and password, and locks an address for a while after too many failures.
+// Attempts for the same address are checked one after the other, so that simultaneous attempts are
+// all counted.
 import { createHash, randomUUID } from 'node:crypto';
 
 import { emailKey } from './emailAddress.mjs';
@@ -9,7 +10,7 @@ import { Turns } from './turns.mjs';
 const maximumFailures = 6;
 const lockMilliseconds = 1800 * 1000;
 
-// Of a fixed length and unreadable, whatever a client sent as address.
+// A hash: it has a fixed length and does not reveal the address.
 const failureKey = (email) => createHash('sha256').update(emailKey(email)).digest('base64url');
 
 export class SignIn {
@@ -26,13 +27,13 @@ export class SignIn {
     this.#nobodysHash = hashPassword(randomUUID());
   }
 
-  // The customer, or undefined for a wrong address, a wrong password and a locked address alike.
+  // The customer, or undefined for a wrong address, a wrong password or a locked address.
   check(email, password) {
     const key = failureKey(email);
     return this.#turns.take(key, async () => {
       if (this.#failures(key) >= maximumFailures) return undefined;
       const customer = this.#customers.findByEmail(email);
-      // An unknown address takes as long as a known one, and has a password that nobody knows.
+      // An unknown address is checked against a random password, so that the time is the same.
       const kept = customer?.passwordHash ?? (await this.#nobodysHash);
       const isRight = await isPassword(password, kept);
       this.#note(key, isRight ? 0 : this.#failures(key) + 1);

@@ -1,5 +1,5 @@
-// A small JSON document in memory and on disk. A change is on disk before it counts: when it cannot
-// be written, the document stays as it was and the error reaches the caller.
+// A small JSON document in memory and on disk. A change is written to disk first. When that fails,
+// the document is unchanged and the error reaches the caller.
 import { existsSync, readFileSync } from 'node:fs';
 
 import { replaceFile } from './stateFile.mjs';
@@ -8,7 +8,7 @@ function read(path) {
   try {
     return JSON.parse(readFileSync(path, 'utf8'));
   } catch (error) {
-    throw new Error(`${path} cannot be read (${error.message}); mend or remove it`);
+    throw new Error(`cannot read ${path} (${error.message}); fix or remove the file`);
   }
 }
 
@@ -16,13 +16,13 @@ export class StateDocument {
   #path;
   #value;
 
-  // `empty` is the document as long as there is no file.
+  // `empty` is the document if the file does not exist.
   constructor(path, empty) {
     this.#path = path;
     this.#value = existsSync(path) ? read(path) : empty;
   }
 
-  // The document as it is now; not to be changed in place.
+  // The current document. Do not change it in place.
   get value() {
     return this.#value;
   }

@@ -1,4 +1,4 @@
-// Files of the state folder: each is replaced whole and is readable by its owner only.
+// Files of the state folder. Each is replaced whole, and only its owner can read it.
 import { randomBytes } from 'node:crypto';
 import {
   closeSync,
@@ -11,7 +11,7 @@ import {
 } from 'node:fs';
 import { join } from 'node:path';
 
-// Replaces a file whole: readers, also after a loss of power, see the old text or the new one.
+// Replaces a whole file: readers see the old text or the new one, even after a power failure.
 export function replaceFile(path, text) {
   const file = openSync(`${path}.new`, 'w', 0o600);
   try {
@@ -28,14 +28,14 @@ function loadSecret(path, characters) {
   return readFileSync(path, 'utf8').trim();
 }
 
-// The salt of the cache ids, 32 characters, made at the first start. Deleting the file is what a
-// new deployment does on the real platform: every id changes.
+// The salt of the cache ids: 32 characters, generated at the first start. Deleting the file changes
+// every id, like a new deployment of the real platform.
 export function loadCacheSalt(stateFolder) {
   return loadSecret(join(stateFolder, 'cache-salt'), 32);
 }
 
-// The key that signs access tokens, made at the first start. Without the file no token that was
-// given out before can be read.
+// The key that signs access tokens, generated at the first start. Deleting the file makes all
+// earlier tokens unreadable.
 export function loadTokenKey(stateFolder) {
   return loadSecret(join(stateFolder, 'token-key'), 64);
 }

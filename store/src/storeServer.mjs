@@ -1,4 +1,4 @@
-// The HTTPS port: HTTP/1.1 and HTTP/2, whichever the client agrees on.
+// The HTTPS port: HTTP/1.1 and HTTP/2, as negotiated with the client.
 import { createSecureServer } from 'node:http2';
 
 import { closeConnection, deliver, hasClientLeft } from './delivery.mjs';
@@ -8,7 +8,7 @@ import { page, pages } from './pages.mjs';
 const maximumBodyBytes = 10 * 1024 * 1024;
 const keepAliveMilliseconds = 75000;
 
-// The body, or null when it is larger than the web server before the platform would take.
+// The body, or null when it is larger than the web server in front of the platform accepts.
 async function readBody(request) {
   const pieces = [];
   let size = 0;
@@ -24,8 +24,8 @@ function hostName(request) {
   return authority.replace(/:\d+$/, '');
 }
 
-// `routes` is a list of `{ matches(path), answer(request) }`, of which the first match answers; see
-// frame.mjs for requests and answers.
+// `routes` is a list of `{ matches(path), answer(request) }`; the first match gives the response.
+// See frame.mjs for requests and responses.
 export function createStoreServer({ certificates, routes, faults, requestLog }) {
   async function answer(request, body) {
     if (body === null) return page(413, pages.tooLarge);

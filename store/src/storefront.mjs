@@ -1,12 +1,12 @@
-// The stores' web pages: which store a browser addresses, and whom it shows as signed in.
+// The stores' web pages: finds the store and the signed-in customer of a request.
 import { page, pages } from './pages.mjs';
 import { Refusal } from './platformErrors.mjs';
 import { findAddressedStore } from './storefrontAddress.mjs';
 import { pagePolicy, renderPage } from './storefrontPage.mjs';
 import { readCookies } from './requestParts.mjs';
 
-// Who the customer cookie stands for: `state` is "signed-in" (then with the `customer`), "ended"
-// for a token that is no longer good, or "guest".
+// The visitor of the customer cookie: `state` is "signed-in" (with the `customer`), "ended" for an
+// expired or revoked token, or "guest".
 function findVisitor(token, { customers, sessions }) {
   if (!token) return { state: 'guest' };
   try {
@@ -30,9 +30,9 @@ function asAnswer(status, body) {
   return { ...plain, headers };
 }
 
-// Makes the function `(request) => answer` for everything that is not GraphQL; see frame.mjs for
-// requests and answers. Only the access token counts: a page never uses up the refresh token, which
-// belongs to the reader.
+// Makes the function `(request) => response` for everything that is not GraphQL; see frame.mjs for
+// requests and responses. A page reads the access token only; it never uses up the refresh token,
+// which belongs to the reader.
 export function createStorefront({ seed, customers, sessions }) {
   return function answer(request) {
     const cookies = readCookies(request.headers.cookie);

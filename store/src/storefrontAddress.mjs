@@ -1,12 +1,13 @@
-// Which store a request for a page means.
+// Finds the store of a request for a page.
 const loopbackNames = ['localhost', '127.0.0.1', '[::1]'];
 
 function storeByCode(seed, code) {
   return seed.stores.find((store) => store.storeCode === code);
 }
 
-// The store of the host's name. Under a loopback name it is the one in the path ("/de_de/"), and
-// for "/" the one of the cookie "orvane-store", else the default one. Else undefined.
+// The store with the host name. With a loopback name, the store in the path ("/de_de/"); for the
+// path "/", the store in the cookie "orvane-store", or the default store. Undefined if there is
+// none.
 export function findAddressedStore({ url, hostName }, cookies, seed) {
   const [path] = url.split('?');
   const host = hostName.toLowerCase();

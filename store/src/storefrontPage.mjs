@@ -1,4 +1,4 @@
-// Renders a store's page. Every value passes through `escape`, and the policy allows nothing but
+// Renders a store's page. `escape` escapes every value, and the content security policy allows only
 // the style sheet in the page itself.
 import { createHash } from 'node:crypto';
 import { readFileSync } from 'node:fs';
@@ -26,7 +26,7 @@ function escapeHtml(text) {
   return String(text).replace(/[&<>"']/g, (character) => entities[character]);
 }
 
-// "de_ch" is "de-CH".
+// "de_ch" becomes "de-CH".
 function localeOf(store) {
   return Intl.getCanonicalLocales(store.storeCode.replace('_', '-'))[0];
 }
@@ -71,7 +71,7 @@ function welcome({ state, customer }, texts) {
   }
 }
 
-// What the browser says about the reader in its cookies.
+// The data about the reader from the browser's cookies.
 function renderReader(cookies, texts) {
   const rows = [
     [texts.serialNumber, cookies['orvane-serial-number']],
@@ -89,7 +89,7 @@ function renderReader(cookies, texts) {
 </section>`;
 }
 
-// The attributes are for tests: they say the same as the texts, in every language.
+// Attributes for tests: they have the same information as the texts, in every language.
 function mainAttributes({ state, customer }, cookies) {
   const attributes = {
     'data-signed-in': state === 'signed-in',
@@ -103,7 +103,7 @@ function mainAttributes({ state, customer }, cookies) {
     .join('');
 }
 
-// The page of a store for a visitor (see storefront.mjs), who sent these cookies.
+// The page of a store for a visitor (see storefront.mjs) with these cookies.
 export function renderPage({ store, visitor, cookies }) {
   const texts = textsFor(store);
   const name = escapeHtml(store.storeName || store.language);

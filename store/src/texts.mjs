@@ -5,7 +5,7 @@ const texts = JSON.parse(readFileSync(new URL('../texts.json', import.meta.url),
 
 export const languages = Object.freeze(Object.keys(texts));
 
-// The texts in the language of a store, English where there are none.
+// The texts in the language of a store, or in English.
 export function textsFor(store) {
   return texts[store.langCode] ?? texts.en;
 }

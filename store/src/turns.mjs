@@ -1,4 +1,4 @@
-// Lets work under the same key run one after the other.
+// Runs work with the same key one after the other.
 export class Turns {
   #last = new Map();
 

@@ -49,7 +49,7 @@ for (const line of ['old', 'new']) {
   describe(`on the ${line} line`, () => {
     beforeEach(() => store.useLine(line));
 
-    test('an account is made with absent values null and no addresses', async () => {
+    test('a new account has null for absent values, and no addresses', async () => {
       const person = somebody({ firstname: 'Zoë "Z"', is_subscribed: false });
       const answer = await reader.register(person);
       assert.equal(answer.status, 200);
@@ -102,12 +102,12 @@ for (const line of ['old', 'new']) {
     }
 
     for (const password of justGoodPasswords) {
-      test(`the password ${password.slice(0, 10)} is just good enough`, async () => {
+      test(`the password ${password.slice(0, 10)} is accepted`, async () => {
         assert.equal((await reader.register(somebody({ password }))).json().errors, undefined);
       });
     }
 
-    test('an account without the integration token needs a proof of being human', async () => {
+    test('a registration without the integration token needs a captcha', async () => {
       const person = somebody();
       const { accessToken } = await reader.signedIn();
       for (const headers of [{}, { Authorization: `Bearer ${accessToken}` }]) {
@@ -128,7 +128,7 @@ for (const line of ['old', 'new']) {
       assert.equal(data, undefined);
     });
 
-    test('an empty address and a malformed one are neither free nor taken', async () => {
+    test('an empty address and a malformed one are refused', async () => {
       await refusedInput(
         reader.ask('isEmailAvailable', { email: '' }),
         'Email must be specified',
@@ -141,7 +141,7 @@ for (const line of ['old', 'new']) {
       );
     });
 
-    test('whether an address is free is told to everybody', async () => {
+    test('anybody may ask whether an address is available', async () => {
       const person = somebody();
       assert.equal(await isAvailable(person.email), true);
       await reader.register(person);
@@ -149,7 +149,7 @@ for (const line of ['old', 'new']) {
       assert.equal(await isAvailable(person.email.toUpperCase()), false);
     });
 
-    test('the profile is that of the token', async () => {
+    test('the profile is that of the token's customer', async () => {
       const { person, accessToken } = await reader.signedIn({
         firstname: 'Žofie',
         lastname: '✓ 😀',
@@ -163,7 +163,7 @@ for (const line of ['old', 'new']) {
     });
 
     const profileStatus = { old: 200, new: 403 }[line];
-    test(`nobody's profile is ${profileStatus}, also for an integration`, async () => {
+    test(`the profile without a customer gets ${profileStatus}, also for integrations`, async () => {
       for (const token of [undefined, 'inventedintegrationtokendede0000']) {
         const answer = await reader.profile(token);
         assert.deepEqual(failure(answer), {
@@ -189,7 +189,7 @@ const requiredNames = [
   ['lastname', 'Last Name'],
 ];
 for (const [name, label] of requiredNames) {
-  test(`an empty ${name} is named, on each line in its own words`, async () => {
+  test(`the error names an empty ${name}, in the words of each line`, async () => {
     const person = somebody({ [name]: ' ' });
     await refusedInput(
       reader.register(person),
@@ -211,7 +211,7 @@ test('two registrations at once give one account', async () => {
   assert.equal(answers.filter((answer) => answer.json().errors).length, 1);
 });
 
-test('a new store that keeps guests out says of every address that it is free', async () => {
+test('without guest checkout the new line reports every address as available', async () => {
   const { email } = await reader.registered();
   await store.control('PATCH', '/settings', { guestCheckoutLogin: false });
   assert.equal(await isAvailable(email), true);
@@ -219,13 +219,13 @@ test('a new store that keeps guests out says of every address that it is free', 
   assert.equal(await isAvailable(email), false);
 });
 
-test('an account without a password is made, and nobody signs in to it', async () => {
+test('an account without a password is created, but nobody can sign in to it', async () => {
   const { password, ...person } = somebody();
   assert.equal((await reader.register(person)).json().errors, undefined);
   assert.equal((await reader.signIn({ ...person, password })).status, 401);
 });
 
-test('every member of the input is kept', async () => {
+test('every member of the input is stored', async () => {
   const input = somebody({
     prefix: 'Dr.',
     middlename: 'M.',

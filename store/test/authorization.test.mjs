@@ -17,7 +17,7 @@ test('an integration token of the seed is read on both lines', async () => {
   }
 });
 
-test('a token that nobody reads is refused on the new line, for a public operation too', async () => {
+test('an unreadable token is refused on the new line, for a public operation too', async () => {
   const answer = await withToken('unknown');
   assert.equal(answer.status, 401);
   assert.equal(
@@ -27,14 +27,14 @@ test('a token that nobody reads is refused on the new line, for a public operati
   );
 });
 
-test('a token that nobody reads makes a guest on the old line', async () => {
+test('a caller with an unreadable token is a guest on the old line', async () => {
   await store.useLine('old');
   const answer = await withToken('unknown');
   assert.equal(answer.status, 200);
   assert.ok(answer.json().data.availableBookStores.length > 0);
 });
 
-test('an Authorization header in another form is ignored', async () => {
+test('an Authorization header in another format is ignored', async () => {
   const answer = await store.http1({ headers: { Authorization: 'Bearer two pieces' } });
   assert.equal(answer.status, 200);
 });

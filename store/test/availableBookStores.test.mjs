@@ -43,7 +43,7 @@ test('has one store without a name but with a language', async () => {
   );
 });
 
-test('gives every store its own addresses, code, provider and token', async () => {
+test('gives every store different addresses, code, provider and token', async () => {
   const stores = await discover();
   for (const member of ['url', 'apiUrl', 'storeCode', 'providerID', 'integrationToken']) {
     assert.equal(new Set(stores.map((one) => one[member])).size, stores.length, member);

@@ -19,7 +19,7 @@ test('differs for a customer in group and sign-in', () => {
   assert.equal(id, digest('EUR|1|0|1|DE_DE|salt'));
 });
 
-test('the salt has 32 characters and is made once', (t) => {
+test('the salt has 32 characters and is generated once', (t) => {
   const folder = temporaryFolder();
   t.after(folder.remove);
   const salt = loadCacheSalt(folder.path);

@@ -19,7 +19,7 @@ describe('the catalogue', () => {
     assert.equal(new Set(books.map(({ name }) => name)).size, books.length);
   });
 
-  test('has every kind of book that a reader has to cope with', () => {
+  test('has every kind of book that a reader must handle', () => {
     const kinds = {
       reduced: (book) => book.specialPrices !== undefined,
       free: (book) => book.prices.EUR === 0,
@@ -58,13 +58,13 @@ test('a book can be reduced in one currency only', (t) => {
 });
 
 const wrongBooks = [
-  [[good, good], /book "MTIz" is there twice/],
+  [[good, good], /book "MTIz" is listed twice/],
   [[{ ...good, uid: undefined }], /"uid" that is not a number in base64/],
   [[{ ...good, uid: 'YWJj' }], /"uid" that is not a number in base64/],
   [[{ ...good, uid: '123' }], /"uid" that is not a number in base64/],
   [[{ ...good, uid: 'MTIz=' }], /"uid" that is not a number in base64/],
   [[{ ...good, name: undefined }], /has no "name"/],
-  [[{ ...good, cover: 'red' }], /must have as "cover" one of: painted, placeholder, missing, none/],
+  [[{ ...good, cover: 'red' }], /needs a "cover" that is one of: painted, placeholder, missing/],
   [[{ ...good, prices: undefined }], /has no price in EUR/],
   [[{ ...good, prices: { EUR: 10 } }], /has no price in CZK/],
   [[{ ...good, prices: { EUR: -1, CZK: 1 } }], /has no price in EUR/],

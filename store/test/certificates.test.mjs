@@ -12,7 +12,7 @@ let store;
 before(async () => (store = await startTestService()));
 after(() => store.stop());
 
-// Resolves with the protocol that was agreed on, rejects when the certificate is refused.
+// Resolves with the negotiated protocol, rejects when the certificate is refused.
 function handshake(servername, ALPNProtocols) {
   return new Promise((resolve, reject) => {
     const options = { host: '127.0.0.1', port: store.service.port, ca: store.ca };
@@ -24,7 +24,7 @@ function handshake(servername, ALPNProtocols) {
   });
 }
 
-test('the certificate holds for every name of the store and for loopback', async () => {
+test('the certificate is valid for every name of the store and for loopback', async () => {
   for (const name of ['bookstore.example', 'de.bookstore.example', 'localhost']) {
     await handshake(name, ['http/1.1']);
   }
@@ -34,7 +34,7 @@ test('the certificate holds for every name of the store and for loopback', async
   assert.ok(certificate.checkIP('::1'));
 });
 
-test('the certificate holds for no other name', async () => {
+test('the certificate is not valid for other names', async () => {
   await assert.rejects(handshake('bookstore.test', ['http/1.1']), {
     code: 'ERR_TLS_CERT_ALTNAME_INVALID',
   });
@@ -45,13 +45,13 @@ test('both HTTP versions are offered on the one port', async () => {
   assert.equal(await handshake('localhost', ['http/1.1']), 'http/1.1');
 });
 
-test('keys are readable by their owner alone', () => {
+test('keys are readable by their owner only', () => {
   for (const name of ['ca.key', 'server.key']) {
     assert.equal(statSync(join(store.state.path, name)).mode & 0o777, 0o600, name);
   }
 });
 
-test('both are kept, and the server certificate alone is made again when it is lost', (t) => {
+test('both certificates are kept, and only a lost server certificate is created again', (t) => {
   const folder = temporaryFolder();
   t.after(folder.remove);
   const first = prepareCertificates(folder.path);
@@ -76,7 +76,7 @@ test('the server certificate is renewed in the week before it expires', (t) => {
   assert.equal(readFileSync(first.authorityPath, 'utf8'), authority);
 });
 
-test('a new authority signs a new server certificate', (t) => {
+test('a new CA certificate signs a new server certificate', (t) => {
   const folder = temporaryFolder();
   t.after(folder.remove);
   const first = prepareCertificates(folder.path);
@@ -87,7 +87,7 @@ test('a new authority signs a new server certificate', (t) => {
   assert.ok(new X509Certificate(second.cert).verify(authority.publicKey));
 });
 
-test('a missing openssl is named', (t) => {
+test('the error names a missing openssl', (t) => {
   const folder = temporaryFolder();
   const path = process.env.PATH;
   t.after(() => {

@@ -11,7 +11,7 @@ afterEach(() => store.reset());
 const requests = async () => (await store.control('GET', '/requests')).json;
 
 describe('requests are read back', () => {
-  test('with their headers as sent over HTTP/1.1, body and answer', async () => {
+  test('with their headers as sent over HTTP/1.1, body and response status', async () => {
     await store.http1({ headers: { 'x-Odd-CASE': 'a  b', Store: 'de_de' } });
     const [request] = await requests();
     assert.equal(request.httpVersion, '1.1');
@@ -31,13 +31,13 @@ describe('requests are read back', () => {
     assert.ok(request.headers.some(([name, value]) => name === 'store' && value === 'de_de'));
   });
 
-  test('with bytes that are no UTF-8', async () => {
+  test('with bytes that are not UTF-8', async () => {
     const body = Buffer.from([0x7b, 0xff, 0xfe]);
     await store.http1({ body });
     assert.equal((await requests())[0].bodyBase64, body.toString('base64'));
   });
 
-  test('with a number that goes on and one connection per client', async () => {
+  test('with increasing numbers and one connection per client', async () => {
     await store.http1();
     await store.http1();
     const [first, second] = await requests();
@@ -80,11 +80,11 @@ describe('settings', () => {
     [{ lines: 'old' }, 'unknown setting "lines"; use line, cacheIdHeader, sessionCookies'],
     [{ cacheIdHeader: 'X-Other' }, '"cacheIdHeader" must be'],
     [{ sessionCookies: 1 }, '"sessionCookies" must be true or false'],
-    [{ tokenLifetimeSeconds: 0 }, '"tokenLifetimeSeconds" must be a whole number from 1 to 3153'],
-    [{ clockOffsetSeconds: 1e99 }, '"clockOffsetSeconds" must be a whole number from 0 to 3153'],
+    [{ tokenLifetimeSeconds: 0 }, '"tokenLifetimeSeconds" must be an integer from 1 to 3153'],
+    [{ clockOffsetSeconds: 1e99 }, '"clockOffsetSeconds" must be an integer from 0 to 3153'],
   ];
   for (const [value, message] of wrong) {
-    test(`are refused as a whole when one is wrong: ${JSON.stringify(value)}`, async () => {
+    test(`are all refused when one is invalid: ${JSON.stringify(value)}`, async () => {
       const answer = await store.control('PATCH', '/settings', { sessionCookies: false, ...value });
       assert.equal(answer.status, 400);
       assert.ok(answer.json.error.startsWith(message), answer.json.error);
@@ -93,12 +93,12 @@ describe('settings', () => {
   }
 });
 
-describe('a wrong fault is refused with what is wrong', () => {
+describe('an invalid fault is refused with the reason', () => {
   const wrong = [
     [[], 'a fault must be an object'],
     [{ stauts: 500 }, 'unknown member "stauts"; use operation, times'],
     [{ status: 99 }, '"status" must be a status from 200 to 599'],
-    [{ times: 0 }, '"times" must be a whole number above 0'],
+    [{ times: 0 }, '"times" must be an integer above 0'],
     [{ drip: { bytes: 0, intervalMilliseconds: 1 } }, '"drip" must be'],
     [{ headers: { a: 1 } }, '"headers" must be'],
   ];
@@ -112,7 +112,7 @@ describe('a wrong fault is refused with what is wrong', () => {
   }
 });
 
-test('an unknown path is answered with the ones that exist', async () => {
+test('the response to an unknown path lists the existing ones', async () => {
   const answer = await store.control('GET', '/elsewhere');
   assert.equal(answer.status, 404);
   assert.match(answer.json.error, /GET \/settings.*DELETE \/requests/);

@@ -36,7 +36,7 @@ const bad = [
   `${'a'.repeat(250)}@b.example`,
 ];
 for (const text of bad) {
-  test(`${JSON.stringify(text.slice(0, 40))} is none`, () => {
+  test(`${JSON.stringify(text.slice(0, 40))} is not an address`, () => {
     assert.equal(isEmailAddress(text), false);
   });
 }

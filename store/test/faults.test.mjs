@@ -25,7 +25,7 @@ function openHttp1(headers = {}) {
   return request.end(discoveryBody);
 }
 
-// Reads an answer until `bytes` have come (after decompression), then leaves.
+// Reads a response until `bytes` have arrived (after decompression), then leaves.
 async function readAtLeast(bytes, headers) {
   const request = openHttp1(headers);
   const [response] = await once(request, 'response');
@@ -40,7 +40,7 @@ async function readAtLeast(bytes, headers) {
   return received;
 }
 
-describe('an answer can be changed', () => {
+describe('a response can be changed', () => {
   test('in status, headers and body', async () => {
     await store.fault({
       status: 502,
@@ -62,7 +62,7 @@ describe('an answer can be changed', () => {
     assert.equal((await store.http1()).text, '');
   });
 
-  test('to gzip unasked, and to plain though asked', async () => {
+  test('to gzip for a client without gzip, and to plain for one with it', async () => {
     await store.fault({ gzip: true, times: 1 });
     await store.fault({ gzip: false, times: 1 });
     assert.equal((await store.http1()).headers['content-encoding'], 'gzip');
@@ -71,8 +71,8 @@ describe('an answer can be changed', () => {
   });
 });
 
-describe('an answer can be slow', () => {
-  test('before it begins, while others are answered', async () => {
+describe('a response can be slow', () => {
+  test('before it begins, while other requests get responses', async () => {
     await store.fault({ delayMilliseconds: 60_000, times: 1 });
     const request = openHttp1();
     let begun = false;
@@ -84,12 +84,12 @@ describe('an answer can be slow', () => {
     assert.equal(begun, false);
   });
 
-  test('but comes after its delay', async () => {
+  test('but arrives after its delay', async () => {
     await store.fault({ delayMilliseconds: 1 });
     assert.equal((await store.http1()).status, 200);
   });
 
-  test('dripping a few bytes at a time', async () => {
+  test('a few bytes at a time', async () => {
     await store.fault({ body: 'x'.repeat(35), drip: { bytes: 10, intervalMilliseconds: 1 } });
     const [response] = await once(openHttp1(), 'response');
     const sizes = [];
@@ -97,7 +97,7 @@ describe('an answer can be slow', () => {
     assert.deepEqual(sizes, [10, 10, 10, 5]);
   });
 
-  test('waiting between the drops', async () => {
+  test('waiting between the pieces', async () => {
     await store.fault({ drip: { bytes: 10, intervalMilliseconds: 60_000 }, times: 1 });
     const request = openHttp1();
     const [response] = await once(request, 'response');
@@ -110,7 +110,7 @@ describe('an answer can be slow', () => {
     assert.equal(received, 10);
   });
 
-  test('and a client that leaves meanwhile does no harm', async (t) => {
+  test('and a client that leaves in between does no harm', async (t) => {
     const log = t.mock.method(console, 'error', () => {});
     await store.fault({ delayMilliseconds: 60_000, times: 1 });
     const request = openHttp1();
@@ -122,7 +122,7 @@ describe('an answer can be slow', () => {
   });
 });
 
-describe('an answer can break off', () => {
+describe('a response can break off', () => {
   test('in the middle of the body over HTTP/1.1', async () => {
     await store.fault({ cutAfterBytes: 25 });
     await assert.rejects(store.http1(), { code: 'ECONNRESET', received: 25 });
@@ -138,7 +138,7 @@ describe('an answer can break off', () => {
     await assert.rejects(store.http1(), { code: 'ECONNRESET', received: 0 });
   });
 
-  test('at its end, without saying that it ended', async () => {
+  test('at its end, without the end of the transfer', async () => {
     await store.fault({ body: '{}', cutAfterBytes: 100 });
     await assert.rejects(store.http1(), { code: 'ECONNRESET', received: 2 });
   });
@@ -150,10 +150,10 @@ describe('an answer can break off', () => {
   });
 });
 
-describe('an answer can be endless', () => {
+describe('a response can be endless', () => {
   const enough = 20 * 1024 * 1024;
 
-  test('as it stands', async () => {
+  test('uncompressed', async () => {
     await store.fault({ endless: true });
     assert.ok((await readAtLeast(enough)) >= enough);
   });
@@ -164,7 +164,7 @@ describe('an answer can be endless', () => {
   });
 });
 
-describe('a client that leaves an endless answer', () => {
+describe('a client that leaves an endless response', () => {
   test('over HTTP/1.1 does no harm', async (t) => {
     const log = t.mock.method(console, 'error', () => {});
     await store.fault({ endless: true, times: 1 });
@@ -191,7 +191,7 @@ describe('a client that leaves an endless answer', () => {
 });
 
 describe('a fault', () => {
-  test('holds until it is cleared', async () => {
+  test('applies until it is cleared', async () => {
     await store.fault({ status: 503 });
     assert.equal((await store.http1()).status, 503);
     assert.equal((await store.http1()).status, 503);
@@ -199,7 +199,7 @@ describe('a fault', () => {
     assert.equal((await store.http1()).status, 200);
   });
 
-  test('holds for as many requests as it says, and the next one follows', async () => {
+  test('applies to its number of requests, and the next fault follows', async () => {
     await store.fault({ status: 503, times: 2 });
     await store.fault({ status: 504, times: 1 });
     const statuses = [];
@@ -207,7 +207,7 @@ describe('a fault', () => {
     assert.deepEqual(statuses, [503, 503, 504, 200]);
   });
 
-  test('of one operation leaves the others alone', async () => {
+  test('of one operation does not affect the others', async () => {
     await store.fault({ operation: 'customer', status: 503 });
     assert.equal((await store.http1()).status, 200);
     await store.fault({ operation: 'availableBookStores', status: 504 });
@@ -218,7 +218,7 @@ describe('a fault', () => {
     assert.deepEqual(left, [{ operation: 'customer', status: 503 }]);
   });
 
-  test('of every operation meets requests that name none, too', async () => {
+  test('of every operation also applies to requests without an operation', async () => {
     await store.fault({ status: 503 });
     assert.equal((await store.http1({ body: 'not JSON' })).status, 503);
   });

@@ -1,4 +1,4 @@
-// The frame around operations that this service does not have yet: what they throw, and mutations.
+// The request frame with operations made for these tests: errors that they throw, and mutations.
 import assert from 'node:assert/strict';
 import { beforeEach, describe, test } from 'node:test';
 
@@ -82,13 +82,13 @@ for (const situation of statuses) {
   }
 }
 
-test('the first error with a category decides', async (t) => {
+test('the first error with a category determines the status', async (t) => {
   t.mock.method(console, 'error', () => {});
   const customerFirst = await ask('{ broken customer }');
   assert.equal(customerFirst.status, 403);
 });
 
-test('a failed root field is null, and errors stand before data', async () => {
+test('a failed root field is null, and errors come before data', async () => {
   const { body } = await ask('{ customer }');
   assert.equal(
     body,
@@ -117,7 +117,7 @@ test('only the old line gives validation errors a category', async () => {
   assert.deepEqual(onOld.extensions, { category: 'graphql' });
 });
 
-test('what an operation threw by accident is hidden from the client', async (t) => {
+test('unexpected errors of an operation are hidden from the client', async (t) => {
   const log = t.mock.method(console, 'error', () => {});
   const { status, body } = await ask('{ broken }');
   assert.equal(status, 200);
@@ -146,12 +146,12 @@ test('an operation gets its arguments', async () => {
   assert.equal((await ask('{ product(uid: 12) }')).body, '{"data":{"product":"product 12"}}');
 });
 
-test('the answer names the root field for the faults', async () => {
+test('the response names the root field, for the faults', async () => {
   assert.equal((await ask('{ alias: who }')).operation, 'who');
   assert.equal((await ask('{ who')).operation, null);
 });
 
-test('blanks around the store code do not count', async () => {
+test('blanks around the store code are ignored', async () => {
   assert.equal((await ask('{ who }', { store: ' de_de ' })).body, '{"data":{"who":"guest"}}');
 });
 
@@ -159,12 +159,12 @@ describe('a bearer token', () => {
   const who = async (authorization) =>
     JSON.parse((await ask('{ who }', { authorization })).body).data?.who;
 
-  test('that a reader knows makes its caller', async () => {
+  test('that a reader knows identifies the caller', async () => {
     assert.equal(await who('Bearer good'), 'customer');
     assert.equal(await who('bEARER good'), 'customer');
   });
 
-  test('in any other form is ignored', async () => {
+  test('in any other format is ignored', async () => {
     for (const value of ['Bearer  good', 'Bearer good x', 'Basic good', 'good', 'Bearer', '']) {
       assert.equal(await who(value), 'guest', value);
     }
@@ -186,12 +186,12 @@ describe('a bearer token', () => {
 describe('the cache id', () => {
   const id = async (query, headers) => header(await ask(query, headers), 'x-magento-cache-id');
 
-  test('is the same for the same kind of caller and another one for a customer', async () => {
+  test('is the same for the same kind of caller and different for a customer', async () => {
     assert.equal(await id('{ who }'), await id('{ product(uid: 1) }'));
     assert.notEqual(await id('{ who }'), await id('{ who }', { authorization: 'Bearer good' }));
   });
 
-  test('is not sent on the new line when the body holds the word mutation', async () => {
+  test('is not sent on the new line when the body contains the word mutation', async () => {
     assert.equal(await id('mutation { promote }'), undefined);
     assert.equal(await id('{ product(uid: "mutation") }'), undefined);
   });

@@ -16,7 +16,7 @@ describe('the cache id', () => {
     assert.match(id, /^[0-9a-f]{64}$/);
   });
 
-  test('comes in lower case over HTTP/2', async () => {
+  test('is in lower case over HTTP/2', async () => {
     const { headers } = await store.http2();
     assert.match(headers['x-magento-cache-id'], /^[0-9a-f]{64}$/);
   });
@@ -42,7 +42,7 @@ describe('the cache id', () => {
 });
 
 describe('cookies', () => {
-  test('are two lines on an answer to POST', async () => {
+  test('are two lines in a response to POST', async () => {
     const { headers } = await store.http1({ headers: { Host: 'api.bookstore.example:8443' } });
     const cookies = headers['set-cookie'];
     assert.equal(cookies.length, 2);
@@ -56,7 +56,7 @@ describe('cookies', () => {
     );
   });
 
-  test('are left out when sessions are off, and on GET', async () => {
+  test('are omitted when sessions are off, and for GET', async () => {
     const path = '/graphql?query=%7BavailableBookStores%7Burl%7D%7D';
     assert.equal((await store.http1({ method: 'GET', path })).headers['set-cookie'], undefined);
     await store.control('PATCH', '/settings', { sessionCookies: false });
@@ -64,7 +64,7 @@ describe('cookies', () => {
   });
 });
 
-describe('the answer', () => {
+describe('the response', () => {
   test('is JSON that nobody may cache', async () => {
     const { headers } = await store.http1();
     assert.equal(headers['content-type'], 'application/json');
@@ -120,7 +120,7 @@ describe('compression', () => {
     assert.ok(compressed.json().data.availableBookStores.length > 0);
   });
 
-  test('is not used unasked or when the client refuses it', async () => {
+  test('is not used when the client refuses gzip or does not mention it', async () => {
     assert.equal((await store.http1()).headers['content-encoding'], undefined);
     assert.equal(await encoding('deflate, br'), undefined);
     assert.equal(await encoding('gzip;q=0'), undefined);

@@ -6,7 +6,7 @@ import { test } from 'node:test';
 import { Mailbox } from '../src/mailbox.mjs';
 import { temporaryFolder } from './support.mjs';
 
-test('a line end in a field or paragraph does not begin another one', (t) => {
+test('a line end in a field or paragraph does not start another one', (t) => {
   const folder = temporaryFolder();
   t.after(folder.remove);
   new Mailbox(folder.path, () => 0).send({

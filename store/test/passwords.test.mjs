@@ -5,7 +5,7 @@ import { defaultPasswordCost, isPassword, passwordHasher } from '../src/password
 
 const hashPassword = passwordHasher(2);
 
-test('a password is recognised, and nothing that differs in one character', async () => {
+test('a password is recognised, but no text that differs in one character', async () => {
   const kept = await hashPassword('Moonlight-42');
   assert.equal(await isPassword('Moonlight-42', kept), true);
   for (const other of ['Moonlight-43', 'moonlight-42', 'Moonlight-42 ', '']) {
@@ -13,7 +13,7 @@ test('a password is recognised, and nothing that differs in one character', asyn
   }
 });
 
-test('the hash holds no password, and every hash has a salt of its own', async () => {
+test('the hash does not contain the password, and every hash has a different salt', async () => {
   const [one, other] = [await hashPassword('Moonlight-42'), await hashPassword('Moonlight-42')];
   assert.match(one, /^scrypt:2:8:1:[\w-]{22}:[\w-]{43}$/);
   assert.doesNotMatch(one, /Moonlight/);
@@ -21,12 +21,12 @@ test('the hash holds no password, and every hash has a salt of its own', async (
   assert.notEqual(one.split(':')[5], other.split(':')[5]);
 });
 
-test('a hash of another cost is still recognised', async () => {
+test('a hash with another cost is still recognised', async () => {
   const kept = await passwordHasher(4)('Moonlight-42');
   assert.equal(await isPassword('Moonlight-42', kept), true);
   assert.equal(await isPassword('Moonlight-42', kept.replace('scrypt:4:', 'scrypt:8:')), false);
 });
 
-test('the default cost is what scrypt is meant to take for a sign-in', async () => {
+test('the default cost is the one recommended for sign-ins', async () => {
   assert.match(await passwordHasher(defaultPasswordCost)('x'), /^scrypt:16384:8:1:/);
 });

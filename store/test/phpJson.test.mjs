@@ -11,18 +11,18 @@ test('writes whole prices without a fraction', () => {
   assert.equal(phpJson([10.0, 9.99, 7.5]), '[10,9.99,7.5]');
 });
 
-test('leaves markup alone unless asked', () => {
+test('does not escape markup by default', () => {
   assert.equal(phpJson('\'"&<>'), '"\'\\"&<>"');
 });
 
-test('escapes markup inside texts when asked', () => {
+test('escapes markup inside texts on request', () => {
   assert.equal(
     phpJson({ a: '\'"&<>' }, { escapesMarkup: true }),
     '{"a":"\\u0027\\u0022\\u0026\\u003C\\u003E"}',
   );
 });
 
-test('takes a backslash before a quote for what it is', () => {
+test('keeps a backslash before a quote', () => {
   const texts = ['\\"', 'a\\', '\n"'];
   const written = phpJson(texts, { escapesMarkup: true });
   assert.equal(written, '["\\\\\\u0022","a\\\\","\\n\\u0022"]');

@@ -28,7 +28,7 @@ function chunksOf(bytes) {
 }
 
 describe('the picture of a book', () => {
-  test('is a small PNG that anybody may fetch and keep', async () => {
+  test('is a small PNG that anybody may fetch and cache', async () => {
     const { status, headers, raw } = await fetchPicture(`${folder}/103.png`);
     assert.equal(status, 200);
     assert.equal(headers['content-type'], 'image/png');
@@ -38,7 +38,7 @@ describe('the picture of a book', () => {
     assert.ok(raw.length < 2048);
   });
 
-  test('is always the same and like no other', async () => {
+  test('is always the same and differs from all others', async () => {
     const pictures = await Promise.all(
       [103, 103, 104, 'placeholder'].map((name) => fetchPicture(`${folder}/${name}.png`)),
     );
@@ -62,21 +62,21 @@ describe('the picture of a book', () => {
     assert.deepEqual(rowAt(10), rowAt(10).reverse());
   });
 
-  test('comes over HTTP/2 and with parameters after its name', async () => {
+  test('is served over HTTP/2 and with parameters after its name', async () => {
     const headers = { ':method': 'GET', ':path': `${folder}/103.png?width=120` };
     const { status, raw } = await store.http2({ headers, body: '' });
     assert.equal(status, 200);
     assert.deepEqual(raw, (await fetchPicture(`${folder}/103.png`)).raw);
   });
 
-  test('is nowhere else', async () => {
+  test('is not served under other paths', async () => {
     const missing = [
       '99.png',
       '103',
       '103.jpg',
       '',
       'x/103.png',
-      // Books without a picture, with the placeholder, and with a picture that got lost.
+      // Books without a picture, with the placeholder, and with a missing picture.
       '1001.png',
       '20030.png',
       '123456.png',
@@ -88,7 +88,7 @@ describe('the picture of a book', () => {
   });
 });
 
-test('a PNG holds its pixels row by row, with the checksums of the format', () => {
+test('a PNG has its pixels row by row, with the checksums of the format', () => {
   const shades = [
     [0, 10, 20],
     [100, 110, 255],

@@ -17,7 +17,7 @@ const prices =
   'price_range {\nminimum_price {\nfinal_price {\ncurrency\nvalue\n}\n' +
   'regular_price {\ncurrency\nvalue\n}\n}\n}\n';
 
-// The very texts of the library: the uid goes in as it is.
+// The query texts of the library, which inserts the uid unescaped.
 const fullQuery = (uid) =>
   `{\nproductDetails(uid: "${uid}") {\nproduct {\nuid\nname\nthumbnail {\nurl\n}\n${prices}` +
   'authors {\nfull_name\n}\n}\n}\n}\n';
@@ -42,8 +42,8 @@ const same = (value, currency) => ({
   minimum_price: { final_price: { currency, value }, regular_price: { currency, value } },
 });
 
-describe('the texts of the library', () => {
-  test('bring all that a reader shows of a book', async () => {
+describe('the query texts of the library', () => {
+  test('get everything that a reader shows of a book', async () => {
     assert.deepEqual(await productOf(fullQuery('MTAz')), {
       uid: 'MTAz',
       name: 'Kleine Kunde vom Schnee',
@@ -53,14 +53,14 @@ describe('the texts of the library', () => {
     });
   });
 
-  test('bring the uid and the prices alone', async () => {
+  test('get only the uid and the prices', async () => {
     assert.deepEqual(await productOf(priceQuery('MTAz')), {
       uid: 'MTAz',
       price_range: same(12, 'EUR'),
     });
   });
 
-  test('are syntax errors of the line when the uid holds a quote', async () => {
+  test('are syntax errors when the uid contains a quote', async () => {
     for (const [line, status] of [
       ['old', 500],
       ['new', 400],
@@ -85,14 +85,14 @@ describe('a price', () => {
     }
   });
 
-  test('is sent with the decimals it has: none when whole, many when long', async () => {
+  test('is sent with all its decimals, or none for an integer', async () => {
     const whole = await ask(priceQuery('MTAz'));
     assert.match(whole.text, /"value":12}/);
     const long = await ask(priceQuery('MTA4'));
     assert.match(long.text, /"value":8\.396226415094}/);
   });
 
-  test('is below the regular one when it is reduced, and says by how much', async () => {
+  test('is below the regular price when reduced, and has the discount', async () => {
     const price =
       'regular_price { value currency } final_price { value currency } ' +
       'discount { amount_off percent_off }';
@@ -108,7 +108,7 @@ describe('a price', () => {
     assert.deepEqual(range.maximum_price, range.minimum_price);
   });
 
-  test('of nothing has a discount of nothing', async () => {
+  test('of 0 has a discount of 0', async () => {
     const { price_range: range } = await productOf(
       '{ productDetails(uid: "Nw==") { product { price_range { minimum_price {' +
         'regular_price { value } discount { amount_off percent_off } } } } } }',
@@ -123,7 +123,7 @@ describe('a price', () => {
 describe('a book', () => {
   const authorsOf = async (uid) => (await productOf(fullQuery(uid))).authors;
 
-  test('without authors has an empty list of them, or none', async () => {
+  test('without authors has an empty list, or null', async () => {
     assert.deepEqual(await authorsOf('MTEx'), []);
     assert.equal(await authorsOf('MTE1'), null);
   });
@@ -149,7 +149,7 @@ describe('a book', () => {
     assert.deepEqual(thumbnail, { label: 'The Bell at Number 123' });
   });
 
-  test('that the catalogue does not have is null and no error', async () => {
+  test('that the catalogue does not have is null, without an error', async () => {
     for (const uid of ['MTk5OTk=', '', '100', 'mtaw', '__proto__']) {
       const answer = await ask(fullQuery(uid));
       assert.equal(answer.status, 200);
@@ -163,7 +163,7 @@ describe('a book', () => {
   });
 });
 
-describe('who is no customer', () => {
+describe('a caller who is not a customer', () => {
   const callers = { 'a guest': null, 'an integration': 'inventedintegrationtokendede0000' };
   for (const [who, token] of Object.entries(callers)) {
     test(`is refused: ${who}`, async () => {

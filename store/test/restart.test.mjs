@@ -1,4 +1,4 @@
-// What a restart of the service leaves as it was, and what its files hold.
+// What survives a restart of the service, and the content of its files.
 import assert from 'node:assert/strict';
 import { readFileSync, readdirSync, rmSync, statSync } from 'node:fs';
 import { join } from 'node:path';
@@ -26,7 +26,7 @@ test('accounts and both tokens survive', async () => {
   assert.ok((await reader.tokens(person)).accessToken);
 });
 
-test('a used refresh token and an ended session stay so', async () => {
+test('a used refresh token stays used, and an ended session stays ended', async () => {
   const { refreshToken } = await reader.signedIn();
   const second = (await reader.refresh(refreshToken)).json().data.refreshTokens;
   await store.restart();
@@ -44,7 +44,7 @@ test('a locked address stays locked', async () => {
   assert.equal((await reader.signIn(person)).status, 401);
 });
 
-test('mails go on with the next number', async () => {
+test('emails continue with the next number', async () => {
   const { email } = await reader.registered();
   await reader.ask('requestPasswordResetEmail', { email });
   await store.restart();
@@ -55,7 +55,7 @@ test('mails go on with the next number', async () => {
   ]);
 });
 
-test('no file holds a password or a token, and only the owner reads them', async () => {
+test('no file contains a password or a token, and only the owner can read the files', async () => {
   const { person, accessToken, refreshToken } = await reader.signedIn();
   await reader.signIn({ ...person, password: 'Wrong-Moonlight' });
   const refreshed = (await reader.refresh(refreshToken)).json().data.refreshTokens;

@@ -1,4 +1,4 @@
-// scripts/store as a person or a test calls it, each with a state folder of its own.
+// scripts/store, called as a person or a test would, each time with a separate state folder.
 import assert from 'node:assert/strict';
 import { spawn, spawnSync } from 'node:child_process';
 import { existsSync, readFileSync, statSync, writeFileSync } from 'node:fs';
@@ -38,7 +38,7 @@ const isAlive = (pid) => {
   return !/\) Z /.test(readFileSync(`/proc/${pid}/stat`, 'utf8'));
 };
 
-test('start prints where the service is, and it answers there', async () => {
+test('start prints the addresses of the service, which responds there', async () => {
   const { code, fields } = run('start', '--line', 'old');
   assert.equal(code, 0);
   assert.deepEqual(Object.keys(fields), ['url', 'port', 'control', 'ca', 'pid']);
@@ -48,7 +48,7 @@ test('start prints where the service is, and it answers there', async () => {
   assert.ok(readFileSync(join(state, 'store.env'), 'utf8').includes(`pid=${fields.pid}\n`));
 });
 
-test('what the service writes is readable by its owner only', () => {
+test('the files of the service are readable by their owner only', () => {
   run('start');
   assert.equal(statSync(state).mode & 0o777, 0o700);
   for (const name of ['ca.key', 'ca.pem', 'cache-salt', 'store.env']) {
@@ -56,15 +56,15 @@ test('what the service writes is readable by its owner only', () => {
   }
 });
 
-test('a second start says that it runs already and starts nothing', () => {
+test('a second start reports the running service and starts nothing', () => {
   const first = run('start');
   const second = run('start');
   assert.equal(second.code, 0);
-  assert.match(second.stderr, /it runs already/);
+  assert.match(second.stderr, /the service is already running/);
   assert.deepEqual(second.fields, first.fields);
 });
 
-test('two starts at once give one service', async () => {
+test('two starts at once start one service', async () => {
   const outcomes = await Promise.all(
     [1, 2].map(
       () =>
@@ -80,14 +80,14 @@ test('two starts at once give one service', async () => {
   assert.equal(outcomes[0], outcomes[1]);
 });
 
-test('status tells whether it runs', () => {
+test('status reports whether the service is running', () => {
   assert.equal(run('status').code, 1);
   assert.equal(existsSync(state), false);
   const { fields } = run('start');
   assert.deepEqual(run('status').fields, fields);
 });
 
-test('stop waits for the end, and the authority is kept for the next start', () => {
+test('stop waits for the end, and the CA certificate is kept for the next start', () => {
   const { fields } = run('start');
   const authority = readFileSync(fields.ca, 'utf8');
   assert.equal(run('stop').code, 0);
@@ -96,13 +96,13 @@ test('stop waits for the end, and the authority is kept for the next start', () 
   assert.equal(readFileSync(run('start').fields.ca, 'utf8'), authority);
 });
 
-test('stop leaves a process alone that only has the same number', () => {
+test('stop does not end another process that has the same pid', () => {
   run('start');
   run('stop');
   const other = spawn('sleep', ['60']);
   try {
     writeFileSync(join(state, 'store.env'), `pid=${other.pid}\nstarted=1\n`);
-    assert.match(run('stop').stderr, /does not run/);
+    assert.match(run('stop').stderr, /is not running/);
     assert.ok(isAlive(other.pid));
   } finally {
     other.kill();
@@ -117,20 +117,20 @@ test('a killed service counts as not running and can be started again', () => {
   assert.notEqual(run('start').fields.pid, fields.pid);
 });
 
-test('install starts nothing and is done at once when the modules are there', () => {
+test('install starts nothing and returns at once when the modules are installed', () => {
   const outcome = run('install');
   assert.deepEqual([outcome.code, outcome.stdout, outcome.stderr], [0, '', '']);
   assert.equal(existsSync(state), false);
 });
 
-test('a taken port is named', async () => {
+test('the error names a port that is in use', async () => {
   const server = createServer();
   await new Promise((resolve) => server.listen(0, '127.0.0.1', resolve));
   const { port } = server.address();
   const outcome = run('start', '--port', String(port));
   server.close();
   assert.equal(outcome.code, 1);
-  assert.match(outcome.stderr, new RegExp(`port ${port} is taken`));
+  assert.match(outcome.stderr, new RegExp(`port ${port} is in use`));
   assert.equal(outcome.stdout, '');
 });
 

@@ -1,4 +1,4 @@
-// Sessions on a clock of their own: how many are kept, and for how long.
+// Limits of sessions, with a simulated clock: how many are kept, and for how long.
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
@@ -23,7 +23,7 @@ function sessionsAlone(t) {
   return { sessions, time, keptCount: () => Object.keys(read().sessions).length };
 }
 
-test('the oldest session gives way when a customer has more than a hundred', (t) => {
+test('the oldest session is dropped when a customer has more than a hundred', (t) => {
   const { sessions, keptCount } = sessionsAlone(t);
   const other = sessions.open(2);
   const [first, second] = [sessions.open(1), sessions.open(1)];
@@ -35,7 +35,7 @@ test('the oldest session gives way when a customer has more than a hundred', (t)
   assert.equal(sessions.customerOf(other.accessToken), 2);
 });
 
-test('a session whose refresh token has expired is forgotten', (t) => {
+test('a session whose refresh token has expired is dropped', (t) => {
   const { sessions, time, keptCount } = sessionsAlone(t);
   sessions.open(1);
   time.now = 31 * 24 * 3600 * 1000;

@@ -71,7 +71,7 @@ for (const line of ['old', 'new']) {
       await assertNoLongerGood(newer.access_token, 'User token has been revoked', line);
     });
 
-    test('other sessions of the customer go on', async () => {
+    test('other sessions of the customer continue', async () => {
       const { person, refreshToken } = await reader.signedIn();
       const other = await reader.tokens(person);
       await refreshed(refreshToken);
@@ -79,7 +79,7 @@ for (const line of ['old', 'new']) {
       assert.ok((await refreshed(other.refreshToken)).access_token);
     });
 
-    test('a text that is no refresh token is refused', async () => {
+    test('a text that is not a refresh token is refused', async () => {
       const { accessToken, refreshToken } = await reader.signedIn();
       for (const token of ['x', 'x'.repeat(65), accessToken, `${refreshToken}x`, '😀"\\\n']) {
         assertRefused(await reader.refresh(token));
@@ -87,7 +87,7 @@ for (const line of ['old', 'new']) {
       assert.ok((await refreshed(refreshToken)).access_token);
     });
 
-    test('an empty refresh token is asked for', async () => {
+    test('an empty refresh token is refused', async () => {
       assert.deepEqual(failure(await reader.refresh('')), {
         status: 200,
         message: 'Specify the "refresh_token" value.',
@@ -128,7 +128,7 @@ for (const line of ['old', 'new']) {
   });
 }
 
-test('the cache id after a refresh is that of a customer on the old line', async () => {
+test('after a refresh, the cache id on the old line is that of a customer', async () => {
   await store.useLine('old');
   const { accessToken, refreshToken } = await reader.signedIn();
   const [profile, answer] = [await reader.profile(accessToken), await reader.refresh(refreshToken)];

@@ -41,7 +41,7 @@ for (const line of ['old', 'new']) {
       assert.match(signature, /^[\w-]{43}$/);
     });
 
-    test('a second sign-in gives other tokens, and the first stay good', async () => {
+    test('a second sign-in gives other tokens, and the first ones stay valid', async () => {
       const { person, accessToken, refreshToken } = await reader.signedIn();
       const second = await reader.tokens({ ...person, email: person.email.toUpperCase() });
       assert.notEqual(second.accessToken, accessToken);
@@ -64,7 +64,7 @@ for (const line of ['old', 'new']) {
     });
 
     for (const name of ['email', 'password']) {
-      test(`an empty ${name} is asked for`, async () => {
+      test(`an empty ${name} is refused`, async () => {
         assert.deepEqual(failure(await reader.signIn({ ...somebody(), [name]: '' })), {
           status: 200,
           message: `Specify the "${name}" value.`,
@@ -74,7 +74,7 @@ for (const line of ['old', 'new']) {
       });
     }
 
-    test('without the integration token a proof of being human is wanted', async () => {
+    test('a sign-in without the integration token needs a captcha', async () => {
       const { person, accessToken } = await reader.signedIn();
       for (const headers of [{}, { Authorization: `Bearer ${accessToken}` }]) {
         assert.deepEqual(failure(await reader.signIn(person, headers)), {
@@ -111,7 +111,7 @@ describe('the cache id at sign-in', () => {
     assert.equal(cacheIdOf(await reader.signIn(await reader.registered())), undefined);
   });
 
-  test('is spelt as the setting says', async () => {
+  test('has the letter case of the setting', async () => {
     await store.control('PATCH', '/settings', { line: 'old', cacheIdHeader: 'x-magento-cache-id' });
     const { rawHeaders } = await reader.signIn(await reader.registered());
     assert.ok(rawHeaders.includes('x-magento-cache-id'));
@@ -125,7 +125,7 @@ describe('after six failures', () => {
     }
   };
 
-  test('the right password is refused for half an hour and then taken', async () => {
+  test('the right password is refused for half an hour and then accepted', async () => {
     const person = await reader.registered();
     await fail(person, 6);
     assert.equal(failure(await reader.signIn(person)).message, refused);
@@ -171,7 +171,7 @@ const oddTexts = [
   ' ',
   '\ud800',
 ];
-test('odd addresses and passwords are refused like wrong ones and break nothing', async () => {
+test('unusual addresses and passwords are refused like wrong ones and break nothing', async () => {
   for (const odd of oddTexts) {
     const answer = await reader.signIn({ email: odd, password: odd });
     assert.equal(failure(answer).message, refused, JSON.stringify(odd.slice(0, 20)));
@@ -179,8 +179,8 @@ test('odd addresses and passwords are refused like wrong ones and break nothing'
   assert.equal(isIn(await reader.signIn(await reader.registered())), true);
 });
 
-test('a password of any characters signs in exactly as it was given', async () => {
-  const password = `Aa1"\\\n😀\u0000é${'x'.repeat(200)}`;
+test('a password may contain any characters and must match exactly', async () => {
+  const password = 'Aa1"\\\n😀\u0000é' + 'x'.repeat(200);
   const person = await reader.registered({ password });
   assert.equal(isIn(await reader.signIn(person)), true);
   assert.equal(isIn(await reader.signIn({ ...person, password: password.slice(0, -1) })), false);

@@ -1,4 +1,4 @@
-// The check behind a sign-in: what is counted, and checks that arrive at the same time.
+// The password check of a sign-in: its count of failures, and simultaneous checks.
 import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
@@ -22,7 +22,7 @@ function signInAlone(t) {
   return { ...services, time, countedAddresses: () => Object.keys(read().signInFailures).length };
 }
 
-test('of guesses that arrive at once none slips past the count of failures', async (t) => {
+test('simultaneous guesses are all counted as failures', async (t) => {
   const { customers, hashPassword, signIn } = signInAlone(t);
   const email = 'ada@example.org';
   customers.add({ email, passwordHash: await hashPassword('right') });
@@ -31,7 +31,7 @@ test('of guesses that arrive at once none slips past the count of failures', asy
   assert.deepEqual(outcomes, Array(7).fill(undefined));
 });
 
-test('a check that fails by accident does not stand in the way of the next', async (t) => {
+test('an unexpected error in a check does not block the next one', async (t) => {
   const { customers, hashPassword, signIn } = signInAlone(t);
   const email = 'ada@example.org';
   const customer = customers.add({ email, passwordHash: await hashPassword('right') });

@@ -12,14 +12,14 @@ function pathIn(t) {
   return join(folder.path, 'state.json');
 }
 
-test('what was changed is there again in the next document', (t) => {
+test('a change is in the next document that reads the file', (t) => {
   const path = pathIn(t);
   new StateDocument(path, { a: 1, b: 2 }).update(({ a }) => ({ a: a + 1 }));
   assert.deepEqual(new StateDocument(path, {}).value, { a: 2, b: 2 });
   assert.equal(statSync(path).mode & 0o777, 0o600);
 });
 
-test('a change that cannot be written does not count', (t) => {
+test('a change that cannot be written is not applied', (t) => {
   const path = pathIn(t);
   const document = new StateDocument(path, { a: 1 });
   document.update(() => ({ a: 2 }));
@@ -29,9 +29,9 @@ test('a change that cannot be written does not count', (t) => {
   assert.deepEqual(JSON.parse(readFileSync(path, 'utf8')), { a: 2 });
 });
 
-test('a damaged file is named, with what to do, and left as it is', (t) => {
+test('the error names a damaged file and the remedy, and the file is unchanged', (t) => {
   const path = pathIn(t);
   writeFileSync(path, '{"a":');
-  assert.throws(() => new StateDocument(path, {}), /state\.json cannot be read.*mend or remove it/);
+  assert.throws(() => new StateDocument(path, {}), /cannot read .*state\.json.*; fix or remove/);
   assert.equal(readFileSync(path, 'utf8'), '{"a":');
 });

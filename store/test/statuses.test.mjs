@@ -10,8 +10,8 @@ after(() => store.stop());
 const posted = (members) => ({ body: JSON.stringify(members) });
 const query = '{ availableBookStores { url } }';
 
-// What is sent, the status on each line, and the message (null: an answer without errors, undefined:
-// a page that is no JSON).
+// The request, its status on each line, and the message (null: a response without errors,
+// undefined: a page that is not JSON).
 const situations = [
   { name: 'a good query', request: {}, old: [200, null], new: [200, null] },
   {
@@ -156,8 +156,8 @@ for (const line of ['old', 'new']) {
   });
 }
 
-describe('whatever the line', () => {
-  test('a GET request is answered', async () => {
+describe('on both lines', () => {
+  test('a GET request succeeds', async () => {
     const answer = await store.http1({
       method: 'GET',
       path: `/graphql?query=${encodeURIComponent(query)}&variables=${encodeURIComponent('{}')}`,
@@ -171,13 +171,13 @@ describe('whatever the line', () => {
     assert.equal((await store.http1({ method: 'GET', path })).status, 400);
   });
 
-  test('OPTIONS gives 204 without a body', async () => {
+  test('OPTIONS gets 204 without a body', async () => {
     const answer = await store.http1({ method: 'OPTIONS' });
     assert.equal(answer.status, 204);
     assert.equal(answer.text, '');
   });
 
-  test('another method gives 405 and another path 404, both as pages', async () => {
+  test('another method gets 405 and another path 404, both with pages', async () => {
     const wrongMethod = await store.http1({ method: 'DELETE' });
     const wrongPath = await store.http1({ path: '/elsewhere' });
     assert.equal(wrongMethod.status, 405);
@@ -185,7 +185,7 @@ describe('whatever the line', () => {
     assert.match(wrongPath.headers['content-type'], /^text\/html/);
   });
 
-  test('a body above the limit gives 413', async () => {
+  test('a body above the limit gets 413', async () => {
     const answer = await store.http1({ body: ' '.repeat(10 * 1024 * 1024 + 1) });
     assert.equal(answer.status, 413);
   });

@@ -51,7 +51,7 @@ describe('the page of a store', () => {
     });
   }
 
-  test('says so when the store is closed', async () => {
+  test('says when the store is closed', async () => {
     const answer = await visit({ host: 'pl.bookstore.example' });
     assert.equal(answer.status, 503);
     assert.ok(answer.text.includes('<html lang="pl-PL">'));
@@ -69,7 +69,7 @@ describe('the page of a store', () => {
     assert.equal(await langOf({ cookies: { 'orvane-store': 'mars' } }), 'de-DE');
   });
 
-  test('is nowhere else', async () => {
+  test('is not served under other addresses', async () => {
     const elsewhere = [
       { path: '/de_de/' },
       { path: '/favicon.ico' },
@@ -80,7 +80,7 @@ describe('the page of a store', () => {
     assert.equal((await visit({ method: 'POST' })).status, 405);
   });
 
-  test('comes over HTTP/2 too', async () => {
+  test('is served over HTTP/2 too', async () => {
     const headers = { ':method': 'GET', ':path': '/', ':authority': 'cz.bookstore.example' };
     const answer = await store.http2({ headers, body: '' });
     assert.equal(headingOf(answer), 'Nikdo není přihlášen');
@@ -88,7 +88,7 @@ describe('the page of a store', () => {
 });
 
 describe('a visitor', () => {
-  test('who is nobody is shown as nobody', async () => {
+  test('without a customer is shown as a guest', async () => {
     for (const cookies of [{}, { 'orvane-customer': '' }, { 'orvane-customer': 'unknown' }]) {
       const answer = await visit({ cookies });
       assert.equal(headingOf(answer), 'Niemand ist angemeldet');
@@ -117,7 +117,7 @@ describe('a visitor', () => {
     }
   });
 
-  test('is recognised among all cookies of a reader, whose refresh token stays good', async () => {
+  test('is recognised among all cookies of a reader, whose refresh token stays valid', async () => {
     const { accessToken, refreshToken } = await reader.signedIn();
     const answer = await visit({
       cookies: {
@@ -140,7 +140,7 @@ describe('a visitor', () => {
     assert.equal((await reader.refresh(refreshToken)).status, 200);
   });
 
-  test('whose token has expired reads that the session ended, on both lines', async () => {
+  test('whose token has expired is told that the session has ended, on both lines', async () => {
     const { accessToken } = await reader.signedIn();
     for (const line of ['old', 'new']) {
       await store.useLine(line);
@@ -153,7 +153,7 @@ describe('a visitor', () => {
     }
   });
 
-  test('whose token was revoked reads the same', async () => {
+  test('whose token was revoked is told the same', async () => {
     const { refreshToken, accessToken } = await reader.signedIn();
     await reader.refresh(refreshToken);
     await reader.refresh(refreshToken);
@@ -162,7 +162,7 @@ describe('a visitor', () => {
   });
 });
 
-describe('nothing that somebody sent becomes markup', () => {
+describe('no text from a client becomes markup', () => {
   test('not a name or an address', async () => {
     const { accessToken } = await reader.signedIn({
       firstname: '<script>alert(1)</script>',

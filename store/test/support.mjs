@@ -1,5 +1,5 @@
-// What the tests share: a service of their own on free ports with a temporary state folder, and
-// clients that trust nothing but its authority.
+// Shared by the tests: a service on free ports with a temporary state folder, and clients that
+// trust only its CA certificate.
 import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
 import http2 from 'node:http2';
 import https from 'node:https';
@@ -16,7 +16,7 @@ export const discoveryQuery =
 
 export const discoveryBody = `${JSON.stringify({ query: discoveryQuery, variables: null })}\n`;
 
-// Passwords of tests need no protection.
+// A low cost: passwords of tests need no protection.
 const quick = { passwordCost: 1024 };
 
 export function temporaryFolder() {
@@ -43,7 +43,7 @@ class TestService {
     this.ca = readFileSync(service.authorityPath);
   }
 
-  // An agent for requests that need no connection of their own.
+  // An agent for requests that may share a connection.
   #keptConnections = new https.Agent({ keepAlive: true });
 
   get agent() {
@@ -66,8 +66,8 @@ class TestService {
     this.service = await startService({ stateFolder: this.state.path, ...quick });
   }
 
-  // One request over HTTP/1.1, on a connection of its own unless there is an agent. Rejects when
-  // the transfer fails; the error then has `received`, the number of body bytes that came before.
+  // One request over HTTP/1.1, on a new connection unless there is an agent. Rejects when the
+  // transfer fails; the error then has `received`, the number of body bytes that had arrived.
   http1({
     method = 'POST',
     path = '/graphql',
@@ -101,7 +101,7 @@ class TestService {
     });
   }
 
-  // The same over HTTP/2.
+  // Like the above, over HTTP/2.
   http2({ headers = {}, body = discoveryBody } = {}) {
     return new Promise((resolve, reject) => {
       const session = http2.connect(this.service.url, {
@@ -135,7 +135,7 @@ class TestService {
     return this.http1({ body: JSON.stringify({ query }), headers });
   }
 
-  // Asks the control port; resolves with the status and the JSON of its answer.
+  // Sends a request to the control port; resolves with the status and the JSON of the response.
   async control(method, path, value) {
     const response = await fetch(`${this.service.controlUrl}${path}`, {
       method,
@@ -153,7 +153,7 @@ class TestService {
     if (answer.status !== 200) throw new Error(answer.json.error);
   }
 
-  // Back to how it started, for tests that share a service.
+  // Resets the service, for tests that share it.
   async reset() {
     await this.control('PATCH', '/settings', defaultSettings);
     await this.control('DELETE', '/faults');

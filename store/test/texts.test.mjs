@@ -10,15 +10,15 @@ function shapeOf(value) {
 }
 
 for (const langCode of languages) {
-  test(`the texts in "${langCode}" are as many as in English and take the same values`, () => {
+  test(`the texts in "${langCode}" match those in English and take the same values`, () => {
     assert.deepEqual(shapeOf(textsFor({ langCode })), shapeOf(textsFor({ langCode: 'en' })));
   });
 }
 
-test('a store in another language has English texts', () => {
+test('a store in an unsupported language has English texts', () => {
   assert.equal(textsFor({ langCode: 'xx' }), textsFor({ langCode: 'en' }));
 });
 
-test('a value that looks like a name is left alone', () => {
+test('a value that looks like a placeholder is not replaced', () => {
   assert.equal(fill('{a} and {b}', { a: '{b}', b: '$&' }), '{b} and $&');
 });

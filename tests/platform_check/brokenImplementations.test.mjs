@@ -13,7 +13,8 @@ const timeoutSeconds = '40';
 
 const read = (name) => readFileSync(new URL(name, folder), 'utf8');
 const rows = [...read('README.md').matchAll(/^\| `([^`]+)` \| `([^`]+)` \|$/gm)].map(
-  ([, fault, caughtBy]) => ({ fault, caughtBy }));
+  ([, fault, caughtBy]) => ({ fault, caughtBy }),
+);
 
 const servers = new Servers();
 before(() => servers.start());
@@ -21,18 +22,23 @@ after(() => servers.stop());
 
 function checkWith(fault, name) {
   const seconds = fault.startsWith('hang') ? hangSeconds : timeoutSeconds;
-  return check('example',
+  return check(
+    'example',
     ['--only', name, '--log', 'stderr', '--timeout', seconds, ...servers.options],
     {
       authorityFile: servers.authorityFile,
       executable,
       // Where the program has a sanitizer, this takes the place of its limit of memory.
       environment: { BROKEN_PLATFORM: fault, ASAN_OPTIONS: 'max_allocation_size_mb=1024' },
-    });
+    },
+  );
 }
 
 test('The table has every fault of the sources, and no other', () => {
-  const sources = readdirSync(folder).filter((name) => name.endsWith('.cpp')).map(read).join('');
+  const sources = readdirSync(folder)
+    .filter((name) => name.endsWith('.cpp'))
+    .map(read)
+    .join('');
   const faults = new Set([...sources.matchAll(/isFault\("([^"]+)"\)/g)].map(([, fault]) => fault));
   assert.deepEqual([...new Set(rows.map(({ fault }) => fault))].sort(), [...faults].sort());
   assert.ok(rows.length >= 15);
@@ -40,9 +46,11 @@ test('The table has every fault of the sources, and no other', () => {
 
 test('Without a fault the same program passes', async () => {
   const names = [...new Set(rows.map(({ caughtBy }) => caughtBy))];
-  const { status, output } = await check('example',
+  const { status, output } = await check(
+    'example',
     [...names.flatMap((name) => ['--only', name]), '--log', 'stderr', ...servers.options],
-    { authorityFile: servers.authorityFile, executable });
+    { authorityFile: servers.authorityFile, executable },
+  );
   assert.equal(status, 0, output);
   assert.doesNotMatch(output, /# SKIP/);
 });
@@ -51,14 +59,20 @@ test('Each fault is caught', async () => {
   for (const { fault, caughtBy } of rows) {
     const { status, output, errors, results } = await checkWith(fault, caughtBy);
     assert.equal(status, 1, `${fault}: ${output}${errors}`);
-    assert.deepEqual(results.map(({ ok, name }) => [ok, name]), [[false, caughtBy]], fault);
+    assert.deepEqual(
+      results.map(({ ok, name }) => [ok, name]),
+      [[false, caughtBy]],
+      fault,
+    );
     console.log(`${fault.padEnd(36)} ${caughtBy.padEnd(44)} ${results[0].reason}`);
   }
 });
 
 test('A crash or a hang of one check does not end the run', async () => {
-  for (const [fault, reason] of [['crash-at-truncation', /signal|exit status/],
-    ['hang-at-truncation', /no result after/]]) {
+  for (const [fault, reason] of [
+    ['crash-at-truncation', /signal|exit status/],
+    ['hang-at-truncation', /no result after/],
+  ]) {
     const { status, results } = await checkWith(fault, 'encoding');
     assert.equal(status, 1);
     assert.equal(results.length, 8);

@@ -31,18 +31,29 @@ test('--list prints the names, and the page has every group', async () => {
 test('--only runs a group or a check, and the output is TAP', async () => {
   const { status, output } = await run('--only', 'text', '--only', 'identity.screen-has-a-size');
   assert.equal(status, 0);
-  assert.equal(output, `TAP version 14
+  assert.equal(
+    output,
+    `TAP version 14
 1..3
 ok 1 - identity.screen-has-a-size
 ok 2 - text.trims-white-space
 ok 3 - text.trims-given-characters
 # 3 passed, 0 failed, 0 skipped
-`);
+`,
+  );
 });
 
 test('What cannot be tried is skipped with its reason', async () => {
-  const { status, results } = await run('--only', 'http', '--only', 'log',
-    '--url', 'https://127.0.0.1:1/', '--control', 'http://127.0.0.1:1');
+  const { status, results } = await run(
+    '--only',
+    'http',
+    '--only',
+    'log',
+    '--url',
+    'https://127.0.0.1:1/',
+    '--control',
+    'http://127.0.0.1:1',
+  );
   assert.equal(status, 0);
   const skipped = results.filter(({ skip }) => skip !== null);
   assert.ok(skipped.length >= 25);
@@ -52,13 +63,26 @@ test('What cannot be tried is skipped with its reason', async () => {
 test('--junit writes the results as XML', async () => {
   const folder = new Folder();
   const file = join(folder.path, 'results.xml');
-  const { status } = await run('--only', 'text', '--only', 'log.failure-is-written', '--junit', file);
+  const { status } = await run(
+    '--only',
+    'text',
+    '--only',
+    'log.failure-is-written',
+    '--junit',
+    file,
+  );
   const xml = readFileSync(file, 'utf8');
   folder.remove();
   assert.equal(status, 0);
-  assert.match(xml, /<testsuite name="graphql-platform-check" tests="3" failures="0" errors="0" skipped="1">/);
+  assert.match(
+    xml,
+    /<testsuite name="graphql-platform-check" tests="3" failures="0" errors="0" skipped="1">/,
+  );
   assert.match(xml, /<testcase classname="text" name="trims-white-space" time="\d+\.\d{3}"\/>/);
-  assert.match(xml, /<testcase classname="log" name="failure-is-written" time="[^"]+"><skipped message="set --log/);
+  assert.match(
+    xml,
+    /<testcase classname="log" name="failure-is-written" time="[^"]+"><skipped message="set --log/,
+  );
 });
 
 test('Wrong use is said with what to do', async () => {
@@ -85,9 +109,11 @@ test('Wrong use is said with what to do', async () => {
 test('The files of a run are removed', async () => {
   const folder = new Folder();
   mkdirSync(join(folder.path, 'there'));
-  const { status, output } = await check('host',
+  const { status, output } = await check(
+    'host',
     ['--root', folder.path, '--folder', '/there/new', '--only', 'config', '--only', 'tasks'],
-    { environment: { ORVANE_ROOT: folder.path } });
+    { environment: { ORVANE_ROOT: folder.path } },
+  );
   const left = readdirSync(join(folder.path, 'there'));
   folder.remove();
   assert.equal(status, 0, output);

@@ -39,10 +39,28 @@ async function makeCertificate(folder, name, authorityFolder) {
   const authority = authorityFolder
     ? ['-CA', join(authorityFolder, 'ca.pem'), '-CAkey', join(authorityFolder, 'ca.key')]
     : [];
-  await openssl('req', '-x509', '-newkey', 'ec', '-pkeyopt', 'ec_paramgen_curve:prime256v1',
-    '-noenc', '-days', '2', '-subj', '/CN=test', '-addext', `subjectAltName=${name}`,
-    '-addext', 'basicConstraints=critical,CA:FALSE', ...authority,
-    '-out', files.cert, '-keyout', files.key);
+  await openssl(
+    'req',
+    '-x509',
+    '-newkey',
+    'ec',
+    '-pkeyopt',
+    'ec_paramgen_curve:prime256v1',
+    '-noenc',
+    '-days',
+    '2',
+    '-subj',
+    '/CN=test',
+    '-addext',
+    `subjectAltName=${name}`,
+    '-addext',
+    'basicConstraints=critical,CA:FALSE',
+    ...authority,
+    '-out',
+    files.cert,
+    '-keyout',
+    files.key,
+  );
   return { cert: readFileSync(files.cert), key: readFileSync(files.key) };
 }
 
@@ -53,7 +71,9 @@ async function startServer(credentials) {
     response.end('{}');
   });
   server.on('tlsClientError', () => {});
-  await new Promise((resolve) => { server.listen(0, '127.0.0.1', resolve); });
+  await new Promise((resolve) => {
+    server.listen(0, '127.0.0.1', resolve);
+  });
   return server;
 }
 
@@ -67,17 +87,32 @@ export class Servers {
   async start() {
     const state = join(this.#folder.path, 'store');
     const { stdout } = await execute(storeScript, ['start', '--state', state]);
-    const fields = Object.fromEntries(stdout.trimEnd().split('\n').map((line) => line.split('=')));
+    const fields = Object.fromEntries(
+      stdout
+        .trimEnd()
+        .split('\n')
+        .map((line) => line.split('=')),
+    );
     const unknown = await startServer(await makeCertificate(this.#folder.path, 'IP:127.0.0.1'));
     const wrongName = await startServer(
-      await makeCertificate(this.#folder.path, 'DNS:other.bookstore.example', state));
-    const http1 = await startServer(await makeCertificate(this.#folder.path, 'IP:127.0.0.1', state));
+      await makeCertificate(this.#folder.path, 'DNS:other.bookstore.example', state),
+    );
+    const http1 = await startServer(
+      await makeCertificate(this.#folder.path, 'IP:127.0.0.1', state),
+    );
     this.#servers = [unknown, wrongName, http1];
     this.http1Url = urlOf(http1);
     this.authorityFile = fields.ca;
     this.options = [
-      '--url', fields.url, '--control', fields.control,
-      '--untrusted-url', urlOf(unknown), '--wrong-name-url', urlOf(wrongName)];
+      '--url',
+      fields.url,
+      '--control',
+      fields.control,
+      '--untrusted-url',
+      urlOf(unknown),
+      '--wrong-name-url',
+      urlOf(wrongName),
+    ];
   }
 
   async stop() {
@@ -103,8 +138,11 @@ function parseTap(output) {
 }
 
 // Runs the program over an implementation. Resolves to {status, output, errors, results}.
-export async function check(implementation, options, { authorityFile = '', environment = {},
-  executable = program } = {}) {
+export async function check(
+  implementation,
+  options,
+  { authorityFile = '', environment = {}, executable = program } = {},
+) {
   const { folders, rootVariable } = implementations[implementation];
   const root = new Folder();
   const configFolder = join(root.path, 'mnt/ext1/system/config');
@@ -121,13 +159,21 @@ export async function check(implementation, options, { authorityFile = '', envir
     ...environment,
   };
   try {
-    const running = execute(executable, ['--root', root.path, ...options],
-      { env, timeout: programMilliseconds, killSignal: 'SIGKILL', maxBuffer: 1 << 26 });
+    const running = execute(executable, ['--root', root.path, ...options], {
+      env,
+      timeout: programMilliseconds,
+      killSignal: 'SIGKILL',
+      maxBuffer: 1 << 26,
+    });
     const { error, stdout, stderr } = await running.then(
       (ended) => ({ error: { code: 0 }, ...ended }),
-      (failed) => ({ error: failed, stdout: failed.stdout, stderr: failed.stderr }));
+      (failed) => ({ error: failed, stdout: failed.stdout, stderr: failed.stderr }),
+    );
     return {
-      status: error.code, signal: error.signal, output: stdout, errors: stderr,
+      status: error.code,
+      signal: error.signal,
+      output: stdout,
+      errors: stderr,
       results: parseTap(stdout),
     };
   } finally {
