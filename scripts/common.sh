@@ -4,7 +4,7 @@
 project_folder=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_folder=$project_folder/build
 
-# One line that says what runs now, with the minutes and seconds since the script began.
+# Prints what runs now, with the minutes and seconds since the start of the script.
 step() { printf '\n[%02d:%02d] %s\n' $((SECONDS / 60)) $((SECONDS % 60)) "$*"; }
 
 fail() {
@@ -22,7 +22,7 @@ as_root() {
   fi
 }
 
-# The first column of a package list, of the given groups.
+# The packages of the given groups.
 packages_of() {
   local group
   for group in "$@"; do
@@ -32,13 +32,13 @@ packages_of() {
 
 has_package() { dpkg-query -W -f '${db:Status-Status}\n' "$1" 2>/dev/null | grep -qx installed; }
 
-# Node.js may come from elsewhere than Debian: what counts is a command that is new enough.
+# Node.js need not come from Debian: a command of a sufficient version is enough.
 has_node() {
   command -v node >/dev/null && command -v npm >/dev/null &&
     node -e 'process.exit(Number(process.versions.node.split(".")[0]) >= 18 ? 0 : 1)'
 }
 
-# Installs what is missing of the given groups of packages.txt; nothing is asked for twice.
+# Installs the missing packages of the given groups in packages.txt.
 install_packages() {
   local package missing=()
   while read -r package; do
@@ -81,7 +81,7 @@ build_preset() {
   cmake --build "$build_folder/$preset" --parallel "$(nproc)" ${1:+--target "$@"}
 }
 
-# The library as it is packed, but with symbols, and the programs of footprint/: builds them in
+# Builds the library as it is packaged, but with symbols, and the programs of footprint/, in
 # build/measured-ARCH. ARCH is x86_64, armhf or arm64.
 build_measured() {
   local architecture=$1 log=$build_folder/measured-$1-build.log
