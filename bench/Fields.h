@@ -1,5 +1,5 @@
-// What an operation read, as a list of texts in a fixed order, by which two programs are compared.
-// Any thread may call these.
+// The fields that an operation read, as a list of texts in a fixed order, to compare two programs.
+// Safe from any thread.
 
 #ifndef BENCH_FIELDS_H_
 #define BENCH_FIELDS_H_
@@ -14,10 +14,10 @@ namespace bench {
 
 using Fields = std::vector<std::string>;
 
-// What a sign-in or a token refresh gives.
+// The result of a sign-in or a token refresh.
 struct Session {
   graphql::GraphQLStorageApi::LoginInfo login;
-  std::string cacheId;  // from the headers of the answer; empty where it is not asked for
+  std::string cacheId;  // from the response headers; empty if the operation does not read it
 };
 
 // All texts of the record, or of all records.

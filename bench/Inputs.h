@@ -1,4 +1,4 @@
-// What both programs send: the customer, the product and the store of every measured operation.
+// The inputs of both programs: the customer, the product and the store of every measured operation.
 
 #ifndef BENCH_INPUTS_H_
 #define BENCH_INPUTS_H_
@@ -13,12 +13,12 @@ const char kEmail[] = "reader@bookstore.example";
 const char kPassword[] = "an invented password";
 const char kUid[] = "MTIzNDU2";
 const char kRefreshToken[] = "inventedrefreshtoken000000000000";
-// As long as the signed tokens that the service hands out.
+// As long as the signed tokens of the store service.
 const char kAccessToken[] =
     "inventedheader000000000000000000000000000000.inventedclaims00000000000000000000000000000000000"
     "0000000000000000000000000000.inventedsignature000000000000000000000000000";
 
-// The store of `operation`: the benchmark's server answers each operation under a path of its own.
+// The store of `operation`: the benchmark's server has a separate path for each operation.
 inline graphql::GraphQLStorageApi::StoreInfo storeOf(const std::string& operation) {
   graphql::GraphQLStorageApi::StoreInfo store;
   store.url = "https://" GRAPHQL_API_DISCOVERY_HOST "/";

@@ -18,13 +18,13 @@ namespace {
 
 const char kUsage[] = "usage: PROGRAM ROW COUNT|cold";
 
-// The time stands in the command line of the new process.
+// The command line of the new process contains the start time.
 [[noreturn]] void startAfresh(char** argv) {
   char start[] = "started";
   std::string now = std::to_string(Clock::now().time_since_epoch().count());
   char* arguments[] = {argv[0], argv[1], start, &now[0], nullptr};
   ::execv("/proc/self/exe", arguments);
-  throw std::system_error(errno, std::generic_category(), "cannot start afresh");
+  throw std::system_error(errno, std::generic_category(), "cannot start a new process");
 }
 
 Plan planOf(int argc, char** argv) {
@@ -48,7 +48,7 @@ const Row& rowNamed(const std::string& name, const std::vector<Row>& rows) {
   const auto found =
       std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return name == row.name; });
   if (found == rows.end()) {
-    throw std::invalid_argument("there is no row '" + name + "'");
+    throw std::invalid_argument("unknown row '" + name + "'");
   }
   return *found;
 }

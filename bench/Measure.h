@@ -1,12 +1,12 @@
-// The frame of the two programs whose whole operations are compared: command line, clock, loop and
-// result, so that they differ in the operation alone. One thread.
+// Command line, clock, loop and result of the two programs whose operations are compared, so that
+// the programs differ in the operation only. One thread.
 //
 // Usage of such a program:
-//   PROGRAM ROW COUNT   performs the operation COUNT times on one connection or several, as the
-//                       server has it, after some that are not measured
-//   PROGRAM ROW cold    performs it once, measured from the start of a fresh process (exec)
-// Prints one line of JSON: "nanoseconds", the median of one operation, and "fields", what the last
-// one read.
+//   PROGRAM ROW COUNT   performs the operation COUNT times, after a few that are not measured; the
+//                       server decides whether the connection is kept
+//   PROGRAM ROW cold    performs it once, measured from the start of a new process (exec)
+// Prints one line of JSON: "nanoseconds", the median time of one operation, and "fields", the texts
+// that the last operation read.
 
 #ifndef BENCH_MEASURE_H_
 #define BENCH_MEASURE_H_
@@ -19,12 +19,12 @@
 
 namespace bench {
 
-using Clock = std::chrono::steady_clock;  // runs on through exec
+using Clock = std::chrono::steady_clock;  // continues through exec
 
 struct Plan {
   std::size_t warmUps;
   std::size_t count;
-  Clock::time_point processStart;  // the first operation counts from here, when it is the only one
+  Clock::time_point processStart;  // start of the measurement for a single operation
   bool isCold;
 };
 
@@ -39,8 +39,8 @@ struct Row {
   std::function<Result(const Plan&)> run;
 };
 
-// A row from `prepare`, which is called once and returns the operation: a function that performs it
-// and returns what it read.
+// A row from `prepare`, which is called once and returns the operation: a function that performs
+// the operation and returns the fields that it read.
 template <typename Prepare>
 Row row(const char* name, Prepare prepare) {
   return {name, [prepare](const Plan& plan) {
@@ -62,8 +62,8 @@ Row row(const char* name, Prepare prepare) {
           }};
 }
 
-// The whole of main(). Returns 0; 1 when the operation read nothing; 2, with a line on standard
-// error, for wrong use or an exception.
+// Implements main(). Returns 0; 1 when the operation read nothing; 2, with a line on standard
+// error, for wrong usage or an exception.
 int runProgram(int argc, char** argv, const std::vector<Row>& rows);
 
 }  // namespace bench

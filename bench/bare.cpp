@@ -1,5 +1,5 @@
-// The same operations as little as they can be: the same bytes sent with libcurl on one prepared
-// handle, the same fields read with JsonCpp into the same records. Nothing is logged or kept.
+// The same operations with minimal work: sends the same bytes with libcurl on one prepared handle,
+// and reads the same fields with JsonCpp into the same records. Logs and stores nothing.
 
 #include <array>
 #include <cstdio>
@@ -34,7 +34,7 @@ std::string environment(const char* name) {
   return value == nullptr ? std::string() : value;
 }
 
-// All options are set once; what differs from one transfer to the next is the answer.
+// All options are set once; only the responses differ between exchanges.
 class PreparedHandle {
  public:
   explicit PreparedHandle(const Request& request) : url_(request.url), body_(request.body) {
@@ -60,7 +60,7 @@ class PreparedHandle {
     set(CURLOPT_WRITEDATA, &text_);
   }
 
-  // Sends the request and parses the answer.
+  // Sends the request and parses the response.
   void perform() {
     text_.clear();
     const CURLcode code = curl_easy_perform(curl_.get());
@@ -76,10 +76,10 @@ class PreparedHandle {
     }
   }
 
-  // The answer of the last perform().
+  // The response to the last perform().
   const Json::Value& answer() const { return answer_; }
 
-  // A header of it; empty when it has none of that name.
+  // A header of that response; empty if the response does not have it.
   std::string header(const char* name) const {
     curl_header* found = nullptr;
     return curl_easy_header(curl_.get(), name, 0, CURLH_HEADER, -1, &found) == CURLHE_OK
@@ -116,7 +116,7 @@ class PreparedHandle {
   Json::Value answer_;
 };
 
-// A row that sends `request` and takes what `read` finds in the answer.
+// A row that sends `request` and returns the fields that `read` finds in the response.
 template <typename Read>
 bench::Row bareRow(const char* name, Request (*request)(), Read read) {
   return bench::row(name, [=] {
@@ -128,8 +128,8 @@ bench::Row bareRow(const char* name, Request (*request)(), Read read) {
   });
 }
 
-// The headers of a request to the store. The identity is that of the device which scripts/bench
-// makes; `token` is left out when it is empty.
+// The headers of a request to the store. The identity is that of the device in scripts/bench. An
+// empty `token` is omitted.
 std::vector<std::string> headersOf(const std::string& token) {
   std::vector<std::string> headers = {
       "Accept:",

@@ -1,15 +1,15 @@
-// What is compared. Each row names the operation (a row of both programs, with a file of that name
-// in answers/), the connection, the authorities, and the figure to reach: the time through the
-// library as a ratio to the bare program's.
+// The compared cases. Each row names the operation (a row of both programs, with a file of that
+// name in answers/), the connection, the CA certificates (`authorities`), and the target: the ratio
+// of the time with the library to the time of the bare program.
 //
-//   connection   kept: one for all operations; changing: as kept, but each answer differs from the
-//                one before, so that what is stored changes; new: the server closes it after each
-//                answer; cold: one operation in a fresh process, counted from its start
-//   authorities  own: a file with the run's own authority alone; system: that of the machine with
-//                it appended
+//   connection   kept: one for all operations; changing: as kept, but each response differs from the
+//                one before, so that the stored data changes; new: the server closes it after each
+//                response; cold: one operation in a new process, measured from its start
+//   authorities  own: a file with only the CA certificate of the run; system: the file of the machine
+//                with that certificate appended
 //   count        operations per process
 //
-// Rows with `items` add to the queue of samples, in which so many wait; no server takes part.
+// Rows with `items` add to a queue of samples with this many items, without a server.
 
 export const cases = [
   { operation: 'discovery', connection: 'kept', authorities: 'own', limit: 2.1, count: 300 },
@@ -40,5 +40,5 @@ export const nameOf = ({ operation, connection, authorities, items }) =>
     ? `${operation}, ${connection}, ${authorities}`
     : `${operation}, ${items} items`;
 
-// False for a row of the queue.
+// False for a row of the sample queue.
 export const isOperation = ({ items }) => items === undefined;

@@ -24,8 +24,8 @@ async function makeKeyPair(folder, name, parameters) {
   ]);
 }
 
-// Makes an authority and a server's certificate for `host` in `folder`, for this run alone. Returns
-// the paths; `own` and `system` are the files of authorities that a client may trust.
+// Creates a CA certificate and a server certificate for `host` in `folder`, for this run only.
+// Returns the paths; `own` and `system` are the files of CA certificates that a client may trust.
 export async function makeCertificates(folder, host) {
   const path = (name) => join(folder, name);
   await makeKeyPair(folder, 'authority', ['-subj', '/CN=Benchmark authority']);
@@ -42,7 +42,7 @@ export async function makeCertificates(folder, host) {
     path('authority.key'),
   ]);
   if (!existsSync(kSystemAuthorities)) {
-    throw new Error(`${kSystemAuthorities} is missing; install the package ca-certificates`);
+    throw new Error(`${kSystemAuthorities} is missing; run "apt-get install ca-certificates"`);
   }
   const both = [kSystemAuthorities, path('authority.pem')].map((file) => readFileSync(file));
   writeFileSync(path('system.pem'), Buffer.concat(both));

@@ -13,11 +13,11 @@ namespace {
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
 
-// The library as a program has it, and the store that an operation goes to.
+// The library's objects, and the store of the operation.
 struct Client {
   explicit Client(const char* operation) : store(bench::storeOf(operation)) {}
 
-  // Has a customer signed in, so that requests carry the token.
+  // Signs a customer in, so that requests have the token.
   void signIn() {
     storage->setTokens(bench::kAccessToken, bench::kRefreshToken, "3600", store, "");
   }
@@ -54,7 +54,7 @@ auto profile() {
   return [client] {
     GraphQLStorageApi::UserInfo customer;
     if (client->api.userInfo(client->store, &customer) != GraphQLApi::Ok) {
-      throw std::runtime_error("the profile did not come");
+      throw std::runtime_error("no profile was received");
     }
     return customer;
   };

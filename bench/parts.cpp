@@ -1,5 +1,5 @@
-// Parts of the library, measured through what it exports, over the development host. Only the
-// transfer is played: this program defines the runner itself, which answers at once.
+// Measures parts of the library through its exports, over the development host. Only the exchange
+// is simulated: this program defines its own runner, which responds at once.
 
 #include <cstdlib>
 #include <exception>
@@ -43,8 +43,8 @@ namespace {
 
 const char kFolderTemplate[] = "graphql-api-parts-XXXXXX";
 
-// The device's root for this process: in the folder BENCH_FOLDER, which who gave it removes also
-// when this process is killed, else in memory where there is such a folder.
+// The root folder of this process: in BENCH_FOLDER, which the caller removes even if this process
+// is killed, else in memory if possible.
 class TemporaryRoot {
  public:
   TemporaryRoot() {
@@ -55,7 +55,7 @@ class TemporaryRoot {
                               : std::filesystem::temp_directory_path().string()) +
             "/" + kFolderTemplate;
     if (::mkdtemp(&path_[0]) == nullptr || ::setenv("ORVANE_ROOT", path_.c_str(), 1) != 0) {
-      throw std::runtime_error("cannot make the folder " + path_);
+      throw std::runtime_error("cannot create the folder " + path_);
     }
   }
   ~TemporaryRoot() {
@@ -94,7 +94,7 @@ void headerMap(benchmark::State& state) {
 BENCHMARK(headerMap)->ArgName("type")->DenseRange(GraphQLStorageApi::None,
                                                   GraphQLStorageApi::CustomerRefresh);
 
-// Body and headers of a request: an answer with this status is not looked into.
+// Body and headers of a request only: the library does not parse a response with this status.
 void request(benchmark::State& state) {
   GraphQLApi api(nullptr);
   const GraphQLStorageApi::StoreInfo store = discoveredStores().front();
@@ -107,7 +107,7 @@ void request(benchmark::State& state) {
 }
 BENCHMARK(request);
 
-// All of an operation but the transfer and the file.
+// A whole operation, except the exchange and the file.
 void requestParseAndRead8Stores(benchmark::State& state) {
   GraphQLApi api(nullptr);
   for (auto _ : state) {
@@ -139,7 +139,7 @@ void run(int argc, char** argv) {
   playedAnswer.status = 200;
   playedAnswer.body = textOfFile(BENCH_ANSWERS_FOLDER "/discovery.json");
   if (discoveredStores().size() != 8) {
-    throw std::runtime_error("the answer does not hold 8 stores");
+    throw std::runtime_error("the response does not have 8 stores");
   }
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();

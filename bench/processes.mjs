@@ -2,8 +2,8 @@ import { execFile, spawn } from 'node:child_process';
 import { readFileSync } from 'node:fs';
 import { promisify } from 'node:util';
 
-// The last processor that this process may use: server and clients share it, so that neither is
-// faster for the other's work being done elsewhere.
+// The last processor that this process may use. Server and clients share it, so that neither of the
+// two programs can gain from work that the server does in parallel.
 export function lastProcessor() {
   const status = readFileSync('/proc/self/status', 'utf8');
   const [, allowed] = /^Cpus_allowed_list:\s*(\S+)$/m.exec(status);
@@ -12,8 +12,8 @@ export function lastProcessor() {
 
 const running = new Set();
 
-// Runs a program to its end on one processor. Resolves to what it printed; rejects with its command
-// and its messages when it fails or takes longer than `seconds`.
+// Runs a program to its end on one processor. Resolves to its output; rejects with its command and
+// its messages when it fails or takes longer than `seconds`.
 export async function run(program, parameters, { env, processor, seconds = 60 } = {}) {
   const command = processor === undefined ? [] : ['taskset', '-c', processor];
   const [file, ...rest] = [...command, program, ...parameters];
@@ -30,12 +30,12 @@ export async function run(program, parameters, { env, processor, seconds = 60 } 
   }
 }
 
-// Kills what run() waits for, at once.
+// Kills the programs that run() waits for.
 export function killRunning() {
   for (const child of running) child.kill('SIGKILL');
 }
 
-// Starts a program that goes on. Resolves to a function that ends it and waits for that.
+// Starts a program in the background. Resolves to a function that ends it and waits for its end.
 export function start(program, parameters, { processor }) {
   const child = spawn('taskset', ['-c', processor, program, ...parameters], { stdio: 'inherit' });
   const ended = new Promise((resolve, reject) => {
@@ -45,7 +45,7 @@ export function start(program, parameters, { processor }) {
   ended.catch(() => {});
   return {
     hasEnded: () => child.exitCode !== null || child.signalCode !== null,
-    // At once and without waiting, for the end of this process.
+    // Does not wait: this process is ending.
     kill: () => child.kill('SIGTERM'),
     stop: async () => {
       child.kill('SIGTERM');

@@ -1,9 +1,11 @@
-// Adding to the queue of samples, through the library over the development host, or bare.
+// Adds to the queue of samples, with the library over the development host, or with a minimal
+// function.
 //
 // Usage: bench_queue library|bare ITEMS COUNT
-// Adds COUNT times to a queue of ITEMS items, after some that are not measured, and prints one line
-// of JSON: "nanoseconds", the median of one addition. Fails when the bare one does not write what
-// the library writes. The queue's path is fixed: this process has a /tmp of its own, in memory.
+// Adds COUNT times to a queue of ITEMS items, after a few additions that are not measured. Prints
+// one line of JSON: "nanoseconds", the median time of one addition. Fails if the minimal function
+// and the library write different bytes. The queue's path is fixed, so this process has a private
+// /tmp, in memory.
 
 #include <algorithm>
 #include <chrono>
@@ -78,7 +80,7 @@ std::function<void()> additionBy(const std::string& program, std::size_t items,
   }
   return [bytes = contents.after.substr(contents.before.size())] {
     if (addBare(kQueuePath, bytes.data(), bytes.size()) != 0) {
-      throw std::runtime_error("the bare addition failed");
+      throw std::runtime_error("the minimal function failed to add");
     }
   };
 }
@@ -100,7 +102,7 @@ Clock::duration measure(const std::string& program, std::size_t items, std::size
     }
   }
   if (readFile(kQueuePath) != contents.after) {
-    throw std::runtime_error("the queue does not hold what the library wrote");
+    throw std::runtime_error("the queue differs from the bytes that the library writes");
   }
   return medianOf(std::move(durations));
 }

@@ -7,9 +7,9 @@
 extern "C" {
 #endif
 
-// Opens, locks, reads, rewrites and closes the queue file at `path`, with `size` bytes more at its
-// end; knows nothing of items. As the library, it opens the file by its path for each of lock, read
-// and write. Returns 0, or -1 when something failed.
+// Opens, locks, reads, rewrites and closes the queue file at `path`, with `size` more bytes at the
+// end. Does not parse the items. Like the library, it opens the file by path to lock, to read and
+// to write it. Returns 0, or -1 on failure.
 int addBare(const char* path, const char* bytes, size_t size);
 
 #ifdef __cplusplus

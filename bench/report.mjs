@@ -53,7 +53,7 @@ export function printComparison(results) {
 
 const escaped = (text) => text.replace(/[&<>]/g, (character) => `&#${character.charCodeAt(0)};`);
 
-// One bar per result, with a line at 1, a mark at the figure to reach, and the middle half.
+// One bar per result, with a line at 1, a mark at the target, and the middle half.
 function plot(results) {
   const [left, row, width] = [250, 44, 900];
   const most = Math.max(...results.flatMap(({ ratio, limit }) => [ratio, limit])) * 1.12;

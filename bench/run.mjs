@@ -1,5 +1,5 @@
-// Runs the benchmarks (scripts/bench builds them first): the parts, then each case, the two
-// programs in turn on the server's processor.
+// Runs the benchmarks (scripts/bench builds them first): the parts, then each case. The two
+// programs run alternately on the server's processor.
 // Usage: node run.mjs PROGRAMS-FOLDER RESULTS-FOLDER HOST [--quick] [--only TEXT]
 
 import { deepStrictEqual } from 'node:assert';
@@ -15,7 +15,7 @@ import { printComparison, printParts, writeFiles } from './report.mjs';
 import { pathOf, recordRequest, startNginx } from './server.mjs';
 import { compare } from './statistics.mjs';
 
-// Enough pairs for a spread that is worth telling, and then more until it is small or time is up.
+// Enough pairs for a meaningful spread, then more until the spread is small or the time is up.
 const kThorough = { fewestPairs: 20, mostPairs: 400, seconds: 12, spread: 0.01, partSeconds: 0.5 };
 const kQuick = { fewestPairs: 2, mostPairs: 2, seconds: 1, spread: 1, partSeconds: 0.01 };
 
@@ -28,7 +28,7 @@ const kDevice = {
   serialNumber: 'BENCH00000000001',
 };
 
-// The device's root, in memory where there is such a folder: disks are not what is measured.
+// The root folder, in memory if possible: the benchmark does not measure disks.
 function makeDevice(folder) {
   const path = join(folder, 'root/mnt/ext1/system/config/device.cfg');
   mkdirSync(dirname(path), { recursive: true, mode: 0o700 });
@@ -75,7 +75,7 @@ class Bench {
     );
   }
 
-  // Both programs must do the same work, or their times say nothing.
+  // Both programs must do the same work, or their times cannot be compared.
   async checkSameWork(operation) {
     const [requests, fields] = [[], []];
     for (const program of kPrograms) {
@@ -116,7 +116,7 @@ class Bench {
     return (await this.perform(program, one.operation, count, port, one.authorities)).nanoseconds;
   }
 
-  // Who goes first changes from pair to pair, so that no program always finds what the other left.
+  // The first program changes from pair to pair, so that neither always runs after the other.
   async measure(one) {
     const { fewestPairs, mostPairs, seconds, spread } = this.effort;
     const deadline = Date.now() + seconds * 1000;
@@ -135,7 +135,7 @@ class Bench {
     }
   }
 
-  // What was started goes, and all that was written. Safe to call twice.
+  // Ends all started programs and removes all files. Safe to call twice.
   async end() {
     await this.nginx?.stop();
     rmSync(this.folder, { recursive: true, force: true });

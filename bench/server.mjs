@@ -14,7 +14,8 @@ const answersFolder = new URL('./answers/', import.meta.url).pathname;
 export const answerOf = (operation) =>
   readFileSync(join(answersFolder, `${operation}.json`), 'utf8');
 
-// Discovery has the endpoint to itself; the stores of the other operations live below its host.
+// Discovery uses the endpoint itself; the stores of the other operations have paths on the same
+// host.
 export const pathOf = (operation) =>
   operation === 'discovery' ? '/graphql' : `/${operation}/graphql`;
 
@@ -28,8 +29,8 @@ async function freePort() {
 
 const quoted = (text) => `'${text.replace(/[\\']/g, '\\$&')}'`;
 
-// The answer as nginx writes it out: a text in it counts the requests of its connection, so that no
-// answer is the one before it, and both programs see the same ones.
+// The response as nginx sends it. A text in it counts the requests of the connection, so that each
+// response differs from the one before, and both programs get the same responses.
 // biome-ignore lint/suspicious/noTemplateCurlyInString: the variable is nginx's
 const changing = (answer) => answer.replace('0000', '${connection_requests}');
 
@@ -82,9 +83,9 @@ function answers(port) {
   });
 }
 
-// Starts nginx with canned answers on free loopback ports, all its files in `folder`. `ports.kept`
-// keeps connections, `ports.changing` as well, but never answers the same twice, and `ports.new`
-// closes each after one answer.
+// Starts nginx with canned responses on free loopback ports; all its files are in `folder`.
+// `ports.kept` keeps connections open; `ports.changing` does so, too, but never sends the same
+// response twice; `ports.new` closes each connection after one response.
 export async function startNginx({ folder, operations, certificates, processor }) {
   const ports = { kept: await freePort(), changing: await freePort(), new: await freePort() };
   const path = join(folder, 'nginx.conf');
@@ -94,15 +95,15 @@ export async function startNginx({ folder, operations, certificates, processor }
   while (!(await answers(ports.new))) {
     if (nginx.hasEnded() || Date.now() > deadline) {
       nginx.kill();
-      throw new Error('nginx did not start (its messages, if any, are above)');
+      throw new Error('nginx did not start; see its messages above');
     }
     await delay(20);
   }
   return { ...nginx, ports };
 }
 
-// Has `ask(port)` send one request and returns it as it arrived: method, target, headers in their
-// order and letter case, body.
+// Lets `ask(port)` send one request, and returns the request as it arrived: method, target, headers
+// in their order and letter case, body.
 export async function recordRequest(operation, certificates, ask) {
   const requests = [];
   const server = createHttpsServer(

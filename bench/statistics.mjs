@@ -8,8 +8,8 @@ export function quantile(values, share) {
 
 export const median = (values) => quantile(values, 0.5);
 
-// Of paired times: the medians; the median of the pairs' ratios, which a change in the machine's
-// load half-way does not move; and the quartiles of those ratios.
+// Returns the medians of paired times, the median of the pairs' ratios, and the quartiles of those
+// ratios. The median of ratios does not move when the machine's load changes half-way.
 export function compare(pairs) {
   const ratios = pairs.map((pair) => pair.library / pair.bare);
   return {

@@ -1,7 +1,7 @@
-// Prints the most bytes of heap that one store discovery holds at a time, the state object, the
-// parsed answer and the result included. The resident size of a process would count whole pages,
-// and in an emulator the emulator's; what malloc hands out is the same on every machine.
-// The environment gives the answer that is played, as FOOTPRINT_ANSWER.
+// Prints the largest heap size, in bytes, during one store discovery, including the state object,
+// the parsed response and the result. The resident size of a process would count whole pages and,
+// in an emulator, the emulator; the sizes from malloc are the same on every machine. The
+// environment variable FOOTPRINT_ANSWER is the response.
 
 #include <malloc.h>
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-// One thread runs here.
+// The program has one thread.
 std::size_t held = 0;
 std::size_t mostHeld = 0;
 
@@ -29,8 +29,8 @@ void discount(void* block) {
 
 }  // namespace
 
-// The C library's own functions under the names by which it calls them itself. Those below stand in
-// front of them for the whole process.
+// The C library's functions under their internal names. The functions below replace them in the
+// whole process.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -70,6 +70,6 @@ int main() {
   const std::size_t peak = mostHeld - before;
   const std::size_t kept = held - before;
   std::printf("%zu\n", peak);
-  // The identity of the device stays; anything more would be a leak.
+  // The identity of the device stays allocated; anything more would be a leak.
   return kept < 1024 ? 0 : 1;
 }

@@ -1,5 +1,6 @@
-// Prints the median of the microseconds that the dynamic linker needs to load a library, with
-// everything bound, into a process that has the libraries it needs. Each time is a new process's.
+// Prints the median time, in microseconds, that the dynamic linker needs to load a library with all
+// symbols bound, into a process that has already loaded its dependencies. Each time is from a new
+// process.
 // Usage: load_time LIBRARY
 
 #include <dlfcn.h>

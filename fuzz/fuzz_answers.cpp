@@ -1,6 +1,6 @@
-// Any answer to any operation: the first byte chooses the operation, a second byte '4' makes the
-// status 401 instead of 200, and the rest is the body. Nothing may come out but JsonCpp's
-// exceptions for values of a wrong kind.
+// Any response to any operation: the first byte selects the operation, a second byte '4' makes the
+// status 401 instead of 200, and the rest is the body. The only exceptions allowed are JsonCpp's,
+// for values of the wrong type.
 
 #include <cstdint>
 #include <iterator>
@@ -60,7 +60,7 @@ const Operation kOperations[] = {
     },
 };
 
-// The digits '0' to '8' stand for the operations in this order; other bytes wrap around.
+// The digits '0' to '8' select the operations in this order; other bytes wrap around.
 Operation operationOf(std::uint8_t choice) {
   return kOperations[(choice + 256U - '0') % std::size(kOperations)];
 }

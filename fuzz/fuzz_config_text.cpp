@@ -1,4 +1,5 @@
-// Any bytes as a configuration file: what is read can be written, and is then read the same.
+// Any bytes as a configuration file: the parsed values can be written, and parse to the same
+// values.
 
 #include <cstdint>
 #include <string>

@@ -1,5 +1,5 @@
-// Any text as the amount of a price: what comes out shows a point and is short, but for a text in
-// which nothing is read as a number.
+// Any text as the amount of a price. A text without a point or comma gets ".00"; any other text
+// becomes a short number with a point.
 
 #include <cstdint>
 #include <memory>

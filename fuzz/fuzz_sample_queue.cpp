@@ -1,5 +1,5 @@
-// Any bytes as the queue of samples, in a /tmp of the program's own: whatever the file holds, a new
-// item is queued behind it, and items that are written come back.
+// Any bytes as the queue of samples, in a private /tmp: whatever the file contains, a new item is
+// added at the end, and written items are read back unchanged.
 
 #include <cstdint>
 #include <exception>
@@ -60,7 +60,7 @@ void writeAndRead(const std::string& bytes) {
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   try {
-    support::enterPrivateTmp({std::filesystem::current_path()});  // where the inputs are
+    support::enterPrivateTmp({std::filesystem::current_path()});  // the folder of the inputs
     return 0;
   } catch (const std::exception& failure) {
     std::cerr << failure.what() << "\n";
