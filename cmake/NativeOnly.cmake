@@ -1,7 +1,6 @@
-# Labels tests of the current folder that mean nothing where ARM programs run in an emulator, which
-# "scripts/test --arm" leaves out and counts. The reason stands beside each call. The tests of
-# GoogleTest programs are known to CTest only, which reads the file that is written here, and adds the
-# label to those that a test has.
+# Labels tests of the current folder that are meaningless in an emulator. "scripts/test --arm" skips and
+# counts them. A comment beside each call gives the reason. Only CTest knows the tests of GoogleTest
+# programs, so this function writes a file that CTest reads, which adds the label.
 function(native_only)
   set(file ${CMAKE_CURRENT_BINARY_DIR}/native_only.cmake)
   file(WRITE ${file} "")

@@ -1,10 +1,10 @@
-# The one target that carries the warnings: everything of ours links it privately. In other projects
-# they are not errors: compilers that we do not know warn of other things.
+# The target with the compiler warnings. Every target of this project links it privately. In other
+# projects they are not errors: compilers that we do not test may warn of other things.
 add_library(graphql_api_warnings INTERFACE)
 target_compile_options(graphql_api_warnings INTERFACE
   -Wall -Wextra -Wpedantic
-  -Wshadow       # a name that hides another one reads as the other one
-  -Wconversion   # sizes differ between the desk and the device
+  -Wshadow       # a name that hides another name is easily misread
+  -Wconversion   # type sizes differ between development machine and device
   $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>
 )
 if(NOT GRAPHQL_API_LIBRARY_ONLY)  # a short name, which another project may have given

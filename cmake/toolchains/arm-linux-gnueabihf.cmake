@@ -3,6 +3,6 @@ set(architecture armhf)
 set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(triple arm-linux-gnueabihf)
 set(emulator qemu-arm)
-# g++ would tell at length how its calling convention differs from that of its version 6.
+# Without this, g++ prints many notes about the calling convention of version 6.
 set(CMAKE_CXX_FLAGS_INIT -Wno-psabi)
 include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)

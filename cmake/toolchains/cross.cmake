@@ -1,5 +1,5 @@
-# What the toolchain files share: Debian's cross compiler `triple`, with headers and libraries from
-# the folder that "scripts/sysroot" makes for `architecture`, and `emulator` to run what was built.
+# Shared by the toolchain files: Debian's cross compiler `triple`, headers and libraries from the folder
+# that "scripts/sysroot" creates for `architecture`, and `emulator` to run the built programs.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_C_COMPILER ${triple}-gcc)
@@ -16,7 +16,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# This machine's own libraries are out of pkg-config's sight.
+# Hides this machine's own libraries from pkg-config.
 set(ENV{PKG_CONFIG_DIR} "")
 set(ENV{PKG_CONFIG_LIBDIR}
   ${CMAKE_SYSROOT}/usr/lib/${triple}/pkgconfig:${CMAKE_SYSROOT}/usr/share/pkgconfig)
