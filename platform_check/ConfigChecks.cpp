@@ -16,7 +16,6 @@
 #include "platform_check/Check.h"
 #include "platform_check/Child.h"
 
-using orvane::utilities::CfgSecret;
 using orvane::utilities::CfgWrapper;
 
 namespace platform_check {
@@ -32,16 +31,19 @@ const std::size_t kFillingBytes = 5000;
 
 // --- Reading and writing -------------------------------------------------------------------------
 
-std::string textOf(const CfgWrapper& config, const std::string& key) {
-  const char* text = ReadString(config.handle, key.c_str(), "(default)");
-  require(text != nullptr, "ReadString() returned null for the key " + quoted(key));
+std::string notNull(const char* text, const char* function, const std::string& key) {
+  if (text == nullptr) {
+    throw Failure(std::string(function) + " returned null for the key " + quoted(key));
+  }
   return text;
 }
 
+std::string textOf(const CfgWrapper& config, const std::string& key) {
+  return notNull(ReadString(config.handle, key.c_str(), "(default)"), "ReadString()", key);
+}
+
 std::string secretOf(const CfgWrapper& config, const std::string& key) {
-  const char* text = ReadSecret(config.handle, key.c_str(), "(default)");
-  require(text != nullptr, "ReadSecret() returned null for the key " + quoted(key));
-  return text;
+  return notNull(ReadSecret(config.handle, key.c_str(), "(default)"), "ReadSecret()", key);
 }
 
 std::string savedText(const std::string& path, const std::string& key) {
@@ -63,15 +65,14 @@ void saveText(const Settings& settings, const std::string& path, const std::stri
   save(settings, path, [&](ov_config* config) { WriteString(config, key.c_str(), text.c_str()); });
 }
 
-// The file behind a device path, which must be there.
-std::string fileOf(const Settings& settings, const std::string& name) {
+// Throws Skip when the file behind a device path is not where this program looks.
+void requireFile(const Settings& settings, const std::string& name) {
   const std::string path = settings.realPath(name);
   if (!fs::exists(path)) {
     throw Skip("there is no file " + path +
                " after a save; set --root to the folder where the "
                "implementation has the device's /");
   }
-  return path;
 }
 
 // --- Values --------------------------------------------------------------------------------------
@@ -167,9 +168,9 @@ void textStaysUntilTheNextCall(const Settings& settings) {
   const CfgWrapper config(path, CfgWrapper::Read);
   const CfgWrapper other(otherPath, CfgWrapper::Read);
   const char* const returned = ReadString(config.handle, "text", "");
-  require(returned != nullptr, "ReadString() returned null");
   textOf(other, "text");
-  requireEqual("the text, after a call for another configuration", returned, std::string(300, 'a'));
+  requireEqual("the text, after a call for another configuration",
+               notNull(returned, "ReadString()", "text"), std::string(300, 'a'));
 }
 
 // --- Keys ----------------------------------------------------------------------------------------
@@ -355,7 +356,7 @@ void secretsAreUnreadable(const Settings& settings) {
   const std::string secret = "q7Zr2mXw9LpKd4Tf8BvYc3Ng";  // as random as a token
   save(settings, settings.devicePath("secrets/token.cfg"),
        [&secret](ov_config* config) { WriteSecret(config, "token", secret.c_str()); });
-  fileOf(settings, "secrets/token.cfg");
+  requireFile(settings, "secrets/token.cfg");
   for (const auto& entry : fs::recursive_directory_iterator(settings.realPath("secrets"))) {
     const std::string form = exposedForm(contentOf(entry.path().string()), secret);
     require(form.empty(), entry.path().filename().string() + " has the secret " + form);
@@ -396,8 +397,9 @@ int savedNumber(const std::string& path, const std::string& prefix) {
   if (first == "(default)") {
     return -1;
   }
+  const std::size_t expected = first.find('.') + 1 + kFillingBytes;
   requireEqual("the length of a saved text", static_cast<long long>(first.size()),
-               static_cast<long long>(first.find('.') + 1 + kFillingBytes));
+               static_cast<long long>(expected));
   return std::stoi(first);
 }
 
@@ -472,7 +474,7 @@ void killDuringASave(const Settings& settings) {
     last = number;
   }
   require(last >= 0, "no save was complete within " + std::to_string(kKillRounds) + " rounds");
-  fileOf(settings, "killed.cfg");
+  requireFile(settings, "killed.cfg");
 }
 
 }  // namespace

@@ -196,6 +196,7 @@ void threadsUseItAtOnce(const Settings& settings) {
   const int kThreads = 4;
   std::vector<Response> responses(kThreads, Response{-1, -1, "", {}});
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (Response& response : responses) {
     threads.emplace_back(
         [&response, &settings] { response = performWithHeaders(Query(settings.url)); });

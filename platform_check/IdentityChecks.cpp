@@ -36,8 +36,9 @@ void textsAreNotNull(const Settings&) {
 void textsFitIntoHeaders(const Settings&) {
   for (const Text& text : kTexts) {
     const std::string value = text.get();
-    const bool hasControl =
-        std::any_of(value.begin(), value.end(), [](char byte) { return byte >= 0 && byte < ' '; });
+    const bool hasControl = std::any_of(value.begin(), value.end(), [](char byte) {
+      return static_cast<unsigned char>(byte) < ' ';
+    });
     require(!hasControl, std::string(text.function) + " is " + quoted(value) +
                              ", which has a control character");
   }

@@ -16,7 +16,8 @@ std::size_t count(const std::vector<CheckResult>& results, Outcome outcome) {
 
 std::string asOneLine(std::string text) {
   std::replace_if(
-      text.begin(), text.end(), [](char byte) { return byte >= 0 && byte < ' '; }, ' ');
+      text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < ' '; },
+      ' ');
   return text;
 }
 

@@ -14,8 +14,8 @@ extern const char kTaskArgument[];
 bool isTask(int count, char** arguments);
 
 // Writes what the task sees to the report file: its process number, its session and its arguments,
-// one per line. Ends when the report is removed, when the file with ".end" added exists, or after two
-// minutes.
+// one per line. Ends when the report is removed, when the file with ".end" added exists, or after
+// two minutes.
 int runTask(int count, char** arguments);
 
 }  // namespace platform_check

@@ -14,7 +14,8 @@ void trimsWhiteSpace(const Settings&) {
   const std::string blanks = " \t\n\r\v\f";
   for (const std::string& text : {std::string("a b"), std::string("a\nb"), std::string("\xc2\xa0"),
                                   std::string("x\0y", 3), std::string()}) {
-    requireEqual("the trimmed text", Str::trim(blanks + text + blanks), text);
+    requireEqual("the trimmed text", Str::trim(std::string(blanks).append(text).append(blanks)),
+                 text);
     requireEqual("the text without white space around it", Str::trim(text), text);
   }
 }
