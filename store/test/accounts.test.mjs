@@ -149,7 +149,7 @@ for (const line of ['old', 'new']) {
       assert.equal(await isAvailable(person.email.toUpperCase()), false);
     });
 
-    test('the profile is that of the token's customer', async () => {
+    test('the profile belongs to the customer of the token', async () => {
       const { person, accessToken } = await reader.signedIn({
         firstname: 'Žofie',
         lastname: '✓ 😀',
