@@ -1,20 +1,14 @@
 #include "base/DryRun.h"
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
+
+#include "tests/support/NewProcess.h"
 
 namespace {
 
 // Whether a child of this process would be in a dry run.
 bool isDryRunInAChild() {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::_exit(base::isDryRun() ? 1 : 0);
-  }
-  int status = -1;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  const int status = support::statusOfNewProcess([] { return base::isDryRun() ? 1 : 0; });
   EXPECT_TRUE(WIFEXITED(status));
   return WEXITSTATUS(status) == 1;
 }

@@ -8,9 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::ScopedSetting;
+using support::ScopedSetting;
 using testing::HasSubstr;
 
 namespace {

@@ -16,7 +16,9 @@
 #include "bookstore/Run.h"
 #include "graphql_api/GraphQLStorageApi.h"
 #include "platform/fake/FakePlatform.h"
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/Json.h"
+#include "tests/support/StoreRecords.h"
+#include "tests/support/TemporaryRoot.h"
 
 namespace bookstore_tests {
 
@@ -24,17 +26,12 @@ using Store = graphql::GraphQLStorageApi::StoreInfo;
 
 inline Store store(const std::string& providerID, const std::string& storeCode,
                    const std::string& storeName = "A store") {
-  Store store;
+  Store store = makeStore(providerID);
   store.storeName = storeName;
-  store.url = "https://" + providerID + ".example/";
-  store.apiUrl = store.url + "graphql";
   store.language = "Deutsch";
   store.langCode = "de";
   store.storeCode = storeCode;
-  store.integrationToken = "integration-of-" + providerID;
   store.providerID = providerID;
-  store.currency = "EUR";
-  store.status = true;
   return store;
 }
 
@@ -78,22 +75,18 @@ class BookstoreTest : public ::testing::Test {
     fake::platform().http.answer(status, body);
   }
 
-  Json::Value json() const {
-    Json::Value value;
-    std::istringstream(out) >> value;
-    return value;
-  }
+  Json::Value json() const { return support::parseJson(out); }
 
   bool outIsTerminal = false;
   bool errIsTerminal = false;
   std::string out;
   std::string err;
 
-  host_tests::TemporaryRoot root;
-  host_tests::ScopedSetting terminalKind{"TERM", "xterm"};
-  host_tests::ScopedSetting noColor{"NO_COLOR", ""};
-  host_tests::ScopedSetting logLevel{"ORVANE_LOG_LEVEL", ""};
-  host_tests::ScopedSetting logSecrets{"ORVANE_LOG_SECRETS", ""};
+  support::TemporaryRoot root;
+  support::ScopedSetting terminalKind{"TERM", "xterm"};
+  support::ScopedSetting noColor{"NO_COLOR", ""};
+  support::ScopedSetting logLevel{"ORVANE_LOG_LEVEL", ""};
+  support::ScopedSetting logSecrets{"ORVANE_LOG_SECRETS", ""};
 };
 
 // One open store of an answer, with the members in `more` instead of the usual ones.

@@ -47,9 +47,7 @@ class CustomerTest : public BookstoreTest {
 
   // What the one request that was sent says in its "variables".
   Json::Value sentVariables() const {
-    Json::Value body;
-    std::istringstream(fake::platform().http.requests.at(0).body) >> body;
-    return body["variables"];
+    return support::parseJson(fake::platform().http.requests.at(0).body)["variables"];
   }
 
   std::string keptText(const std::string& key) const {

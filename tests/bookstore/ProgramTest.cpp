@@ -1,20 +1,14 @@
 // The built program as a process of its own, over the development host.
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <array>
-#include <cstdlib>
 #include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "bookstore/Commands.h"
 #include "bookstore/ExitCode.h"
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryRoot.h"
 
 using ::testing::AllOf;
 using ::testing::HasSubstr;
@@ -29,21 +23,9 @@ class ProgramTest : public ::testing::Test {
   // Runs a line of shell text in which $bookstore is the program; what the line prints to standard
   // output and standard error, terminals' line ends made plain, is in `printed`.
   int shell(const std::string& line) {
-    int ends[2];
-    EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
-      ::dup2(ends[1], STDOUT_FILENO);
-      ::dup2(ends[1], STDERR_FILENO);
-      ::execl("/bin/bash", "bash", "-c", line.c_str(), static_cast<char*>(nullptr));
-      ::_exit(127);
-    }
-    ::close(ends[1]);
-    printed = readAll(ends[0]);
-    ::close(ends[0]);
-    int status = 0;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    const support::Ended ended = support::run({"/bin/bash", "-c", line});
+    printed = ended.output;
+    return ended.code;
   }
 
   // The same for the program on a terminal of its own.
@@ -54,23 +36,12 @@ class ProgramTest : public ::testing::Test {
 
   std::string printed;
 
-  host_tests::TemporaryRoot root;
-  host_tests::ScopedSetting program{"bookstore", BOOKSTORE_PROGRAM};
-  host_tests::ScopedSetting terminalKind{"TERM", "xterm"};
-  host_tests::ScopedSetting noColor{"NO_COLOR", ""};
+  support::TemporaryRoot root;
+  support::ScopedSetting program{"bookstore", BOOKSTORE_PROGRAM};
+  support::ScopedSetting terminalKind{"TERM", "xterm"};
+  support::ScopedSetting noColor{"NO_COLOR", ""};
   // A closed port: nothing in these tests leaves the machine, or finds a server on it.
-  host_tests::ScopedSetting connectTo{"ORVANE_CONNECT_TO", "::127.0.0.1:1"};
-
- private:
-  static std::string readAll(int descriptor) {
-    std::string text;
-    std::array<char, 4096> piece;
-    ssize_t count = 0;
-    while ((count = ::read(descriptor, piece.data(), piece.size())) > 0) {
-      text.append(piece.data(), static_cast<std::size_t>(count));
-    }
-    return text;
-  }
+  support::ScopedSetting connectTo{"ORVANE_CONNECT_TO", "::127.0.0.1:1"};
 };
 
 }  // namespace
@@ -147,20 +118,20 @@ TEST_F(ProgramTest, ColoursOnATerminal) {
 }
 
 TEST_F(ProgramTest, LeavesColoursOutForWhoAsks) {
-  const host_tests::ScopedSetting without("NO_COLOR", "1");
+  const support::ScopedSetting without("NO_COLOR", "1");
   EXPECT_EQ(terminal("sing"), bookstore::kUsage);
   EXPECT_THAT(printed, AllOf(HasSubstr("bookstore:"), Not(HasSubstr("\033"))));
 }
 
 TEST_F(ProgramTest, LeavesColoursAndSpinnerOutOnADumbTerminal) {
-  const host_tests::ScopedSetting dumb("TERM", "dumb");
+  const support::ScopedSetting dumb("TERM", "dumb");
   EXPECT_EQ(terminal("stores --refresh"), bookstore::kTransferFailed);
   EXPECT_THAT(printed, AllOf(HasSubstr("bookstore:"), Not(HasSubstr("\033")),
                              Not(HasSubstr("Asking the store"))));
 }
 
 TEST_F(ProgramTest, ShowsTheLogOfTheLibraryWhenAsked) {
-  const host_tests::ScopedSetting target("ORVANE_LOG", "stderr");
+  const support::ScopedSetting target("ORVANE_LOG", "stderr");
   shell("$bookstore stores");
   EXPECT_THAT(printed, Not(HasSubstr("Loaded stores: count [0]")));
   shell("$bookstore stores -v");

@@ -260,7 +260,7 @@ TEST_F(RunTest, VerboseRaisesTheLogLevelBeforeTheLibraryIsCalled) {
 }
 
 TEST_F(RunTest, VerboseNeverLowersTheLogLevel) {
-  const host_tests::ScopedSetting level("ORVANE_LOG_LEVEL", "7");
+  const support::ScopedSetting level("ORVANE_LOG_LEVEL", "7");
   run({"status", "--verbose"});
   EXPECT_STREQ(::getenv("ORVANE_LOG_LEVEL"), "7");
 }
@@ -308,7 +308,7 @@ TEST_F(RunTest, UsesNoColourWhereThePersonOrTheTerminalHasNone) {
   errIsTerminal = true;
   for (const auto& setting : {std::make_pair("NO_COLOR", "1"), std::make_pair("TERM", "dumb"),
                               std::make_pair("TERM", "")}) {
-    const host_tests::ScopedSetting without(setting.first, setting.second);
+    const support::ScopedSetting without(setting.first, setting.second);
     run({"stores"});
     EXPECT_THAT(out, Not(HasSubstr("\033")));
     run({"sing"});

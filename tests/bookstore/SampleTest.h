@@ -8,37 +8,20 @@
 #include <string>
 #include <vector>
 
-#include "graphql_api/GraphQLSampleQueue.h"
 #include "tests/bookstore/CustomerTest.h"
+#include "tests/support/SampleQueueFile.h"
 
 namespace bookstore_tests {
 
 class SampleTest : public CustomerTest {
  protected:
-  using Item = graphql::GraphQLSampleQueue::SampleItem;
-
   SampleTest() {
-    std::filesystem::remove_all("/tmp/sample.queue");
+    support::removeQueue();
     root.put("/mnt/ext1/books/readme", "");
   }
 
-  static void queueHolds(const std::vector<Item>& items) {
-    graphql::GraphQLSampleQueue().serializeSampleItems(items);
-  }
-
-  // The items of the queue as "book@path".
-  static std::vector<std::string> queued() {
-    std::vector<Item> items;
-    graphql::GraphQLSampleQueue().deserializeSampleItems(&items);
-    std::vector<std::string> texts;
-    for (const Item& item : items) {
-      texts.push_back(item.bookId + "@" + item.sampleFilePath);
-    }
-    return texts;
-  }
-
   // What takes the place of the queue file cannot be opened for writing.
-  static void queueCannotBeLocked() { std::filesystem::create_directory("/tmp/sample.queue"); }
+  static void queueCannotBeLocked() { std::filesystem::create_directory(support::kQueuePath); }
 
   // The store's next answer: the book `uid`.
   void serverKnows(const std::string& uid, const std::string& regularPrice = "9.99") {

@@ -14,9 +14,12 @@
 #include <thread>
 
 #include "base/WholeFile.h"
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/EndToEndTest.h"
+#include "tests/support/WaitUntil.h"
 
 using graphql::GraphQLStorageApi;
+using support::Ended;
 using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -30,12 +33,7 @@ namespace {
 const char kPassword[] = "Secret \"Pass\" 1";
 const char kEscapedPassword[] = "Secret \\\"Pass\\\" 1";  // as it stands in a request
 
-struct Ended {
-  int code = -1;
-  std::string output;  // both streams
-};
-
-class CommandLineTest : public end_to_end::EndToEndTest,
+class CommandLineTest : public support::EndToEndTest,
                         public ::testing::WithParamInterface<const char*> {
  protected:
   CommandLineTest() {
@@ -67,9 +65,7 @@ class CommandLineTest : public end_to_end::EndToEndTest,
   // From any thread.
   static Ended runQuietly(std::vector<std::string> words, const std::string& input = "") {
     words.insert(words.begin(), BOOKSTORE_PROGRAM);
-    Ended ended;
-    ended.output = end_to_end::outputOf(words, &ended.code, input);
-    return ended;
+    return support::run(words, input);
   }
 
   Ended registerCustomer(const std::string& password = kPassword) {
@@ -98,22 +94,9 @@ class CommandLineTest : public end_to_end::EndToEndTest,
     }
   }
 
-  // How many requests of this operation arrived.
-  static std::size_t requestsFor(const std::string& operation) {
-    std::size_t count = 0;
-    for (const Json::Value& request : store().requests()) {
-      count += request["operation"].asString() == operation ? 1 : 0;
-    }
-    return count;
-  }
-
   // Waits until processes that run now have read the session so often.
   void waitUntilRead(std::size_t times) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (logged("Load tokens: ").size() < times) {
-      ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+    ASSERT_TRUE(support::waitUntil([&] { return logged("Load tokens: ").size() >= times; }));
   }
 
   std::string lockedPath() const {
@@ -147,7 +130,7 @@ TEST_P(CommandLineTest, ACustomerLivesWithTheStore) {
   EXPECT_THAT(run({"status"}).output, HasSubstr("Token lifetime      3600 "));
   EXPECT_EQ(run({"cookies", "-v"}).code, 0);
   EXPECT_EQ(run({"reset-password", "--email", email}).code, 0);
-  EXPECT_THAT(end_to_end::contentOf(store().folder()),
+  EXPECT_THAT(support::contentOf(store().folder()),
               Contains(Pair(HasSubstr("/mail/"), HasSubstr(email))));
   EXPECT_EQ(run({"sign-out"}).output, "Signed out\n");
   EXPECT_EQ(run({"whoami"}).code, 6);
@@ -175,8 +158,8 @@ TEST_P(CommandLineTest, ThePasswordComesFromAnyDescriptor) {
   registerCustomer();
   const char script[] =
       R"("$0" sign-in --store de_de --email "$1" --password-fd 7 7<&0 </dev/null)";
-  EXPECT_EQ(end_to_end::outputOf({"/bin/bash", "-c", script, BOOKSTORE_PROGRAM, email}, nullptr,
-                                 std::string(kPassword) + "\n"),
+  EXPECT_EQ(support::outputOf({"/bin/bash", "-c", script, BOOKSTORE_PROGRAM, email},
+                              std::string(kPassword) + "\n"),
             "Signed in as " + email + " at Bücherwelt Deutschland (bookstore-de)\n");
 }
 
@@ -202,7 +185,7 @@ TEST_P(CommandLineTest, ARefusedRefreshSaysWhatBecameOfTheTokens) {
 
 TEST_P(CommandLineTest, ADryRunSendsNothingAndKeepsTheSession) {
   registerAndSignIn();
-  const auto before = end_to_end::contentOf(root());
+  const auto before = support::contentOf(root());
   store().reset(GetParam());
   for (const std::vector<std::string>& words :
        std::vector<std::vector<std::string>>{{"refresh"},
@@ -218,7 +201,7 @@ TEST_P(CommandLineTest, ADryRunSendsNothingAndKeepsTheSession) {
     EXPECT_EQ(ended.code, 0) << ended.output;
     EXPECT_THAT(ended.output, StartsWith("curl "));
   }
-  EXPECT_EQ(end_to_end::contentOf(root()), before);
+  EXPECT_EQ(support::contentOf(root()), before);
   EXPECT_EQ(store().requests().size(), 0U);
 }
 
@@ -245,7 +228,7 @@ TEST_P(CommandLineTest, OfTwoRefreshesAtOnceOneReachesTheStore) {
   EXPECT_THAT(outputs,
               UnorderedElementsAre("Refreshed the tokens\n",
                                    "Another process has refreshed the tokens meanwhile\n"));
-  EXPECT_EQ(requestsFor("refreshTokens"), 1U);
+  EXPECT_EQ(store().requestsOf("refreshTokens"), 1);
   EXPECT_EQ(run({"whoami"}).code, 0);
 }
 
@@ -261,7 +244,7 @@ TEST_P(CommandLineTest, ARefreshDoesNotUndoASignOutThatCameFirst) {
     state.logoutOnlyFromStore();
   }
   EXPECT_EQ(refresh.get().code, 6);
-  EXPECT_EQ(requestsFor("refreshTokens"), 0U);
+  EXPECT_EQ(store().requestsOf("refreshTokens"), 0);
   EXPECT_FALSE(GraphQLStorageApi().isLoggedIn());
 }
 
@@ -269,11 +252,7 @@ TEST_P(CommandLineTest, ASignOutWaitsForARefreshAndComesLast) {
   registerAndSignIn();
   store().addFault(R"({"operation":"refreshTokens","times":1,"delayMilliseconds":500})");
   auto refresh = std::async(std::launch::async, [] { return runQuietly({"refresh"}); });
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (requestsFor("refreshTokens") == 0) {
-    ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
+  ASSERT_TRUE(support::waitUntil([] { return store().requestsOf("refreshTokens") > 0; }));
   EXPECT_EQ(run({"sign-out"}).code, 0);
   EXPECT_EQ(refresh.get().code, 0);
   EXPECT_FALSE(GraphQLStorageApi().isLoggedIn());
@@ -410,7 +389,7 @@ TEST_P(CommandLineTest, RefusesANewPasswordThatIsTypedInTwoWays) {
   registration.type("Secret Pass 2\n");
   EXPECT_EQ(WEXITSTATUS(registration.waitForEnd()), 2);
   EXPECT_THAT(registration.shown, HasSubstr("the two passwords differ"));
-  EXPECT_EQ(requestsFor("createCustomerV2"), 0U);
+  EXPECT_EQ(store().requestsOf("createCustomerV2"), 0U);
   printed += registration.shown;
 }
 
@@ -428,7 +407,7 @@ TEST_P(CommandLineTest, SwitchesTheEchoBackOnWhateverEndsTheQuestion) {
     EXPECT_TRUE(session.isEchoOn()) << signal;
     EXPECT_THAT(session.shown, Not(HasSubstr("Secr"))) << signal;
   }
-  EXPECT_EQ(requestsFor("generateCustomerToken"), 0U);
+  EXPECT_EQ(store().requestsOf("generateCustomerToken"), 0U);
 }
 
 TEST_P(CommandLineTest, EndOfInputIsNoPassword) {

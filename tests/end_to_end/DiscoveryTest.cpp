@@ -2,7 +2,7 @@
 
 #include <thread>
 
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/EndToEndTest.h"
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -15,14 +15,14 @@ namespace {
 
 using Stores = graphql::GraphQLStorageApi::StoreInfoList;
 
-class DiscoveryTest : public end_to_end::EndToEndTest {
+class DiscoveryTest : public support::EndToEndTest {
  protected:
   // A state with stores in it, so that a failure could lose some.
   std::unique_ptr<graphql::GraphQLApi> apiWithStores() {
     auto api = makeApi();
     EXPECT_THAT(api->getStores(), SizeIs(5));
     kept_ = storage->storesList();
-    files_ = end_to_end::contentOf(root());
+    files_ = support::contentOf(root());
     return api;
   }
 
@@ -34,7 +34,7 @@ class DiscoveryTest : public end_to_end::EndToEndTest {
                 ElementsAre("getStores failed err = " + std::to_string(err) +
                             ", code = " + std::to_string(code)));
     EXPECT_THAT(storage->storesList(), SizeIs(kept_.size()));
-    EXPECT_EQ(end_to_end::contentOf(root()), files_);
+    EXPECT_EQ(support::contentOf(root()), files_);
   }
 
   void expectEmptied(const Stores& stores) {

@@ -1,15 +1,17 @@
 // The commands for samples as processes of their own, over HTTPS against both lines of the
 // platform.
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <future>
-#include <thread>
 
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/EndToEndTest.h"
+#include "tests/support/SampleQueueFile.h"
+#include "tests/support/WaitUntil.h"
 
+using support::Ended;
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -20,16 +22,11 @@ namespace {
 const char kPassword[] = "Secret Pass 1";
 const char kBooks[] = "/mnt/ext1/books/";
 
-struct Ended {
-  int code = -1;
-  std::string output;  // both streams
-};
-
-class SampleCommandsTest : public end_to_end::EndToEndTest,
+class SampleCommandsTest : public support::EndToEndTest,
                            public ::testing::WithParamInterface<const char*> {
  protected:
   SampleCommandsTest() {
-    std::filesystem::remove("/tmp/sample.queue");
+    support::removeQueue();
     std::filesystem::create_directories(root() + kBooks);
     store().reset(GetParam());
     store().change(R"({"tokenLifetimeSeconds":3600,"clockOffsetSeconds":0})");
@@ -46,9 +43,7 @@ class SampleCommandsTest : public end_to_end::EndToEndTest,
 
   static Ended run(std::vector<std::string> words, const std::string& input = "") {
     words.insert(words.begin(), BOOKSTORE_PROGRAM);
-    Ended ended;
-    ended.output = end_to_end::outputOf(words, &ended.code, input);
-    return ended;
+    return support::run(words, input);
   }
 
   static void add(const std::string& book, const std::string& name) {
@@ -57,25 +52,13 @@ class SampleCommandsTest : public end_to_end::EndToEndTest,
 
   // A file that a test waits for is written by the program that it has started.
   static int processIn(const std::string& path) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     int process = 0;
-    while (!(std::ifstream(path) >> process) && std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    support::waitUntil([&] { return static_cast<bool>(std::ifstream(path) >> process); });
     return process;
   }
 
   static bool arrives(const std::string& operation) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (std::chrono::steady_clock::now() < deadline) {
-      for (const Json::Value& request : store().requests()) {
-        if (request["operation"].asString() == operation) {
-          return true;
-        }
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return false;
+    return support::waitUntil([&] { return store().requestsOf(operation) > 0; });
   }
 };
 
@@ -126,12 +109,9 @@ TEST_P(SampleCommandsTest, CtrlCStopsTheWorkAndLosesNothing) {
   store().addFault(R"({"operation":"productDetails","times":1,"delayMilliseconds":1000})");
   const std::string pidFile = root() + "/pid";
   auto working = std::async(std::launch::async, [&] {
-    Ended ended;
-    ended.output = end_to_end::outputOf(
-        {"/bin/bash", "-c", "echo $$ >\"$1\"; exec env --default-signal=INT \"$0\" sample work",
-         BOOKSTORE_PROGRAM, pidFile},
-        &ended.code);
-    return ended;
+    return support::run({"/bin/bash", "-c",
+                         "echo $$ >\"$1\"; exec env --default-signal=INT \"$0\" sample work",
+                         BOOKSTORE_PROGRAM, pidFile});
   });
   ASSERT_TRUE(arrives("productDetails"));
   const int process = processIn(pidFile);

@@ -6,7 +6,8 @@
 
 #include <orvane/utilities/CfgWrapper.h>
 
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/EndToEndTest.h"
+#include "tests/support/Json.h"
 
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
@@ -24,7 +25,7 @@ const char kPassword[] = "Secret Pass 1";
 const char kTokenFile[] = "/mnt/ext1/system/config/bookstore.cfg";
 
 // Each test registers a customer of its own: the service keeps them all.
-class SessionTest : public end_to_end::EndToEndTest,
+class SessionTest : public support::EndToEndTest,
                     public ::testing::WithParamInterface<const char*> {
  protected:
   SessionTest() {
@@ -53,14 +54,7 @@ class SessionTest : public end_to_end::EndToEndTest,
   }
 
   // The token file's text.
-  std::string tokenFile() const {
-    for (const auto& file : end_to_end::contentOf(root())) {
-      if (file.first == kTokenFile) {
-        return file.second;
-      }
-    }
-    return std::string();
-  }
+  std::string tokenFile() const { return support::contentOfFile(root() + kTokenFile); }
 
   std::unique_ptr<GraphQLApi> api;
   GraphQLStorageApi::StoreInfo german;
@@ -179,7 +173,7 @@ TEST_P(SessionTest, AnExpiredTokenNoLongerShowsTheProfile) {
 TEST_P(SessionTest, APasswordResetIsMailed) {
   registerCustomer();
   EXPECT_EQ(api->resetPassword(german, email).error, 0);
-  EXPECT_THAT(end_to_end::contentOf(store().folder()),
+  EXPECT_THAT(support::contentOf(store().folder()),
               Contains(Pair(HasSubstr("/mail/"), HasSubstr(email))));
   const auto refused = api->resetPassword(german, "nobody@nowhere.example");
   EXPECT_EQ(refused.error, 1);
@@ -301,8 +295,7 @@ TEST_P(SessionTest, AHundredOddTextsReachTheServerExactlyAsGiven) {
   const Json::Value requests = store().requests();
   ASSERT_EQ(requests.size(), 100U);
   for (Json::ArrayIndex index = 0; index < requests.size(); ++index) {
-    Json::Value body;
-    std::istringstream(requests[index]["body"].asString()) >> body;
+    const Json::Value body = support::parseJson(requests[index]["body"].asString());
     EXPECT_EQ(body["variables"]["email"].asString(), texts[index]);
     EXPECT_EQ(body["variables"]["password"].asString(), texts[index]);
     EXPECT_EQ(requests[index]["operation"].asString(), "generateCustomerToken");

@@ -1,6 +1,5 @@
 // The application as the library starts it, over HTTPS against the store service.
 
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -17,8 +16,14 @@
 #include "graphql_api/GraphQLHeader.h"
 #include "graphql_api/GraphQLSampleQueue.h"
 #include "sample_app/FailureList.h"
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/EndToEndTest.h"
+#include "tests/support/Json.h"
+#include "tests/support/NewProcess.h"
+#include "tests/support/SampleQueueFile.h"
+#include "tests/support/WaitUntil.h"
 
+using support::queuedUnderLock;
+using support::waitUntil;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -32,17 +37,15 @@ const char kApplication[] = "/ombrel/bin/graphql_sample_metadata.app";
 const char kPassword[] = "Secret Pass 1";
 const char kBooks[] = "/mnt/ext1/books/";
 
-using Item = graphql::GraphQLSampleQueue::SampleItem;
-
 void sleepMicroseconds(int count) {
   std::this_thread::sleep_for(std::chrono::microseconds(count));
 }
 
-class ApplicationTest : public end_to_end::EndToEndTest,
+class ApplicationTest : public support::EndToEndTest,
                         public ::testing::WithParamInterface<const char*> {
  protected:
   ApplicationTest() {
-    std::filesystem::remove("/tmp/sample.queue");
+    support::removeQueue();
     std::filesystem::create_directories(root() + "/ombrel/bin");
     std::filesystem::create_directories(root() + kBooks);
     std::filesystem::create_symlink(SAMPLE_APPLICATION, root() + kApplication);
@@ -76,56 +79,28 @@ class ApplicationTest : public end_to_end::EndToEndTest,
 
   // Adds a sample from a process of its own, which has ended when this returns.
   static void add(const std::string& bookId, const std::string& name) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      addSample(bookId.c_str(), (kBooks + name).c_str());
-      ::_exit(0);
-    }
-    int status = -1;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_EQ(status, 0);
-  }
-
-  static bool waitUntil(const std::function<bool()>& isReached) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(40);
-    while (!isReached()) {
-      if (std::chrono::steady_clock::now() > end) {
-        return false;
-      }
-      sleepMicroseconds(500);
-    }
-    return true;
+    ASSERT_EQ(support::statusOfNewProcess([&] {
+                addSample(bookId.c_str(), (kBooks + name).c_str());
+                return 0;
+              }),
+              0);
   }
 
   static bool leaves() {
     return waitUntil([] { return running() == 0; });
   }
 
-  static std::vector<std::string> queued() {
-    graphql::GraphQLSampleQueue queue;
-    std::vector<Item> items;
-    queue.lockSampleQueueFile();
-    queue.deserializeSampleItems(&items);
-    std::vector<std::string> paths;
-    for (const Item& item : items) {
-      paths.push_back(item.sampleFilePath);
-    }
-    return paths;
-  }
-
   static bool isQueued(const std::string& name) {
-    const std::vector<std::string> paths = queued();
-    return std::find(paths.begin(), paths.end(), kBooks + name) != paths.end();
+    const std::vector<std::string> items = queuedUnderLock();
+    return std::any_of(items.begin(), items.end(), [&name](const std::string& item) {
+      return item.substr(item.find('@') + 1) == kBooks + name;
+    });
   }
 
   // The metadata of a sample; null when there is none. Half a file would be a failure.
   Json::Value metadataOf(const std::string& name) const {
-    std::ifstream in(root() + kBooks + name + ".json");
-    Json::Value value;
-    if (in) {
-      in >> value;
-    }
-    return value;
+    const std::string text = support::contentOfFile(root() + kBooks + name + ".json");
+    return text.empty() ? Json::Value() : support::parseJson(text);
   }
 
   bool isDone(const std::string& name) const { return metadataOf(name).isObject(); }
@@ -139,13 +114,7 @@ class ApplicationTest : public end_to_end::EndToEndTest,
     return lines;
   }
 
-  int requestsOf(const std::string& operation) const {
-    int count = 0;
-    for (const Json::Value& request : store().requests()) {
-      count += request["operation"] == operation ? 1 : 0;
-    }
-    return count;
-  }
+  static int requestsOf(const std::string& operation) { return store().requestsOf(operation); }
 
   void everySampleIsMissed() { store().addFault(R"({"operation":"productDetails","drop":true})"); }
 
@@ -162,7 +131,7 @@ TEST_P(ApplicationTest, StartsByItselfWorksTheQueueOffAndLeaves) {
   add("MTA0", "2.sample");
   add("MTAwMQ==", "3.sample");
   ASSERT_TRUE(leaves());
-  EXPECT_THAT(queued(), IsEmpty());
+  EXPECT_THAT(queuedUnderLock(), IsEmpty());
   EXPECT_EQ(metadataOf("1.sample")["name"].asString(), "Kleine Kunde vom Schnee");
   EXPECT_EQ(metadataOf("1.sample")["author"].asString(), "Anton Weiler");
   EXPECT_EQ(metadataOf("1.sample")["price"].asString(), "EUR 12.00");
@@ -171,7 +140,7 @@ TEST_P(ApplicationTest, StartsByItselfWorksTheQueueOffAndLeaves) {
   EXPECT_EQ(metadataOf("2.sample")["oldPrice"].asString(), "EUR 0.99");
   EXPECT_TRUE(metadataOf("3.sample")["thumbnail"].isNull());
   std::vector<std::string> names;
-  for (const auto& file : end_to_end::contentOf(root() + kBooks)) {
+  for (const auto& file : support::contentOf(root() + kBooks)) {
     names.push_back(file.first);
     if (file.first.find(".png") != std::string::npos) {
       EXPECT_THAT(file.second, StartsWith("\x89PNG")) << file.first;
@@ -193,7 +162,7 @@ TEST_P(ApplicationTest, ABookThatTheStoreDoesNotKnowIsSetAside) {
   ASSERT_TRUE(leaves());
   EXPECT_TRUE(isDone("2.sample"));
   EXPECT_FALSE(isDone("1.sample"));
-  EXPECT_THAT(queued(), IsEmpty());
+  EXPECT_THAT(queuedUnderLock(), IsEmpty());
   EXPECT_THAT(failures(), ElementsAre(HasSubstr("the store does not know the book")));
   EXPECT_EQ(requestsOf("refreshTokens"), 0);
 }
@@ -293,9 +262,8 @@ TEST_P(ApplicationTest, ManyCallsWhileItRunsStartItOnce) {
   }
   std::ofstream(leave).flush();
   ASSERT_TRUE(leaves());
-  EXPECT_THAT(queued(), SizeIs(50));
-  std::ifstream in(starts);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "started\n");
+  EXPECT_THAT(queuedUnderLock(), SizeIs(50));
+  EXPECT_EQ(support::contentOfFile(starts), "started\n");
 }
 
 TEST_P(ApplicationTest, AnItemThatComesWhileItLeavesIsNotForgotten) {
@@ -309,7 +277,7 @@ TEST_P(ApplicationTest, AnItemThatComesWhileItLeavesIsNotForgotten) {
     sleepMicroseconds(static_cast<int>(random() % 8000));
   }
   ASSERT_TRUE(leaves());
-  EXPECT_THAT(queued(), IsEmpty());
+  EXPECT_THAT(queuedUnderLock(), IsEmpty());
 }
 
 TEST_P(ApplicationTest, KilledAtAnyMomentItLosesNothing) {
@@ -341,7 +309,7 @@ TEST_P(ApplicationTest, KilledAtAnyMomentItLosesNothing) {
   for (const std::string& name : names) {
     EXPECT_TRUE(isDone(name)) << name;
   }
-  EXPECT_THAT(queued(), IsEmpty());
+  EXPECT_THAT(queuedUnderLock(), IsEmpty());
   EXPECT_THAT(failures(), IsEmpty());
   std::cout << kills << " kills, " << names.size() << " items, " << requestsOf("productDetails")
             << " lookups in the service's memory\n";

@@ -43,7 +43,7 @@ TEST_F(FailureListTest, AListThatHasGrownLargeMakesRoom) {
 TEST_F(FailureListTest, AListOfAnySizeAndDateMakesRoom) {
   root.put(kFailureListPath, "");
   ASSERT_EQ(::truncate(root.at(kFailureListPath).c_str(), (off_t(1) << 32) + 1), 0);
-  root.setDate(kFailureListPath, host_tests::kBeyond2038);
+  root.setDate(kFailureListPath, support::kBeyond2038);
   EXPECT_TRUE(listFailure({"b", "/s"}, "r"));
   EXPECT_THAT(failures(), SizeIs(1));
 }

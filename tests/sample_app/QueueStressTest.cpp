@@ -21,13 +21,14 @@
 
 #include "base/WholeFile.h"
 #include "graphql_api/GraphQLSampleQueue.h"
+#include "tests/support/SampleQueueFile.h"
 
 using graphql::GraphQLSampleQueue;
+using support::kQueuePath;
 using ::testing::SizeIs;
 
 namespace {
 
-const char kQueuePath[] = "/tmp/sample.queue";
 const char kTaken[] = "/tmp/taken";
 
 constexpr int kMostAdders = 8;
@@ -48,7 +49,7 @@ class QueueStressTest : public ::testing::Test {
   ~QueueStressTest() override { ::munmap(board_, sizeof(Board)); }
 
   void clear() {
-    std::filesystem::remove(kQueuePath);
+    support::removeQueue();
     std::filesystem::remove(kTaken);
     *board_ = Board();
   }

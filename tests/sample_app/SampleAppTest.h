@@ -14,39 +14,27 @@
 
 #include <json/json.h>
 
-#include "graphql_api/GraphQLSampleQueue.h"
 #include "sample_app/FailureList.h"
 #include "sample_app/WorkQueue.h"
-#include "tests/platform/host/TemporaryRoot.h"
-#include "tests/unit/PlatformTest.h"
+#include "tests/support/Json.h"
+#include "tests/support/PlatformTest.h"
+#include "tests/support/SampleQueueFile.h"
+#include "tests/support/TemporaryRoot.h"
 
-const char kQueuePath[] = "/tmp/sample.queue";
 const char kPng[] = "\x89PNG\r\n\x1a\nand so on";
 
 using Item = sample_app::SampleItem;
 
-// Lines such as {"a":1}, one after the other.
-inline std::vector<Json::Value> parseJsonLines(const std::string& text) {
-  std::vector<Json::Value> values;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
-    Json::Value value;
-    std::istringstream(line) >> value;
-    values.push_back(value);
-  }
-  return values;
-}
-
-inline Json::Value parseJson(const std::string& text) {
-  Json::Value value;
-  std::istringstream(text) >> value;
-  return value;
-}
+using support::kQueuePath;
+using support::parseJson;
+using support::parseJsonLines;
+using support::queued;
+using support::queueHolds;
 
 class SampleAppTest : public PlatformTest {
  protected:
   SampleAppTest() {
-    std::filesystem::remove_all(kQueuePath);
+    support::removeQueue();
     tokenFileHolds(store);
     storage = makeStorage();
     storage->setStoresList({store});
@@ -57,19 +45,6 @@ class SampleAppTest : public PlatformTest {
   void forgetCalls() {
     platform().calls.clear();
     platform().log.clear();
-  }
-
-  void queueHolds(const std::vector<Item>& items) { libraryQueue.serializeSampleItems(items); }
-
-  // The items of the queue as "book@path".
-  std::vector<std::string> queued() {
-    std::vector<Item> items;
-    libraryQueue.deserializeSampleItems(&items);
-    std::vector<std::string> texts;
-    for (const Item& item : items) {
-      texts.push_back(item.bookId + "@" + item.sampleFilePath);
-    }
-    return texts;
   }
 
   // The store's next answer: the book `uid`.
@@ -110,7 +85,7 @@ class SampleAppTest : public PlatformTest {
     return operations;
   }
 
-  const host_tests::TemporaryRoot root;
+  const support::TemporaryRoot root;
   const StoreInfo store = makeStore("a");
   std::shared_ptr<graphql::GraphQLStorageApi> storage;
   graphql::GraphQLSampleQueue libraryQueue;

@@ -47,7 +47,7 @@ TEST_F(SamplePathTest, RefusesAMissingFolder) {
 }
 
 TEST_F(SamplePathTest, ALinkMayLeadAnywhereBelowTheRootButNotOutside) {
-  const host_tests::TemporaryFolder outside;
+  const support::TemporaryFolder outside;
   std::filesystem::create_symlink(outside.path(), root.at("/mnt/out"));
   std::filesystem::create_symlink(root.at("/mnt/ext1"), root.at("/mnt/in"));
   EXPECT_THAT(locateSample("/mnt/out/1.sample").problem, HasSubstr("outside"));

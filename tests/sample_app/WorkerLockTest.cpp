@@ -31,7 +31,7 @@ TEST_F(WorkerLockTest, OneHasItAtATime) {
 
 TEST_F(WorkerLockTest, HoldsForAllRootsOfTheMachine) {
   const WorkerLock first;
-  const host_tests::TemporaryRoot other;
+  const support::TemporaryRoot other;
   EXPECT_EQ(WorkerLock().state(), WorkerLock::State::Busy);
 }
 

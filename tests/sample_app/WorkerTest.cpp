@@ -208,7 +208,7 @@ TEST_F(WorkerTest, WorksTheQueueOffInItsOrderAndLeavesWhenItStaysEmpty) {
 }
 
 TEST_F(WorkerTest, AnItemThatComesLateStartsTheTimeAgain) {
-  waiter.onWait = [this](std::size_t count) {
+  waiter.onWait = [](std::size_t count) {
     if (count == 3) {
       queueHolds({{"b1", "/mnt/ext1/books/1"}});
     }

@@ -1,4 +1,4 @@
-// For tests of state that a process has only once.
+// For tests of state that a process has only once, and of what ends a process.
 
 #ifndef TESTS_SUPPORT_NEWPROCESS_H_
 #define TESTS_SUPPORT_NEWPROCESS_H_
@@ -7,23 +7,37 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
 namespace support {
 
-// Runs `body`, expectations and all, in a process of its own. True when none of them failed.
+// Runs `body` in a copy of this process, which ends with the number that `body` returns. Returns
+// how the copy ended, in the form of waitpid().
 template <typename Body>
-bool passesInNewProcess(Body body) {
+int statusOfNewProcess(Body body) {
   std::fflush(nullptr);
   const pid_t child = ::fork();
   if (child == 0) {
-    body();
+    const int code = body();
     std::fflush(nullptr);
-    ::_exit(::testing::Test::HasFailure() ? 1 : 0);
+    ::_exit(code);
   }
   int status = -1;
-  return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
+  if (child < 0 || ::waitpid(child, &status, 0) != child) {
+    throw std::runtime_error("cannot run a new process");
+  }
+  return status;
+}
+
+// Runs `body`, expectations and all, in a copy of this process. True when none of them failed.
+template <typename Body>
+bool passesInNewProcess(Body body) {
+  return statusOfNewProcess([&body] {
+           body();
+           return ::testing::Test::HasFailure() ? 1 : 0;
+         }) == 0;
 }
 
 }  // namespace support

@@ -61,7 +61,7 @@ TEST_F(HeadersCommandTest, ShowsTheTokensOfEachTypeWhenAsked) {
   fileHolds({store("de", "de_de")});
   customerAt(store("de", "de_de"), "access-secret", "refresh-secret");
   headers("de", "integration", {"--show-secrets"});
-  EXPECT_THAT(out, HasSubstr("Bearer integration-of-de\n"));
+  EXPECT_THAT(out, HasSubstr("Bearer integration-de\n"));
   headers("de", "customer", {"--show-secrets"});
   EXPECT_THAT(out, AllOf(HasSubstr("Bearer access-secret\n"), Not(HasSubstr("RefreshToken"))));
   headers("de", "refresh", {"--show-secrets"});

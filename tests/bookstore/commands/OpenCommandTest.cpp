@@ -65,13 +65,13 @@ class OpenCommandTest : public bookstore_tests::CustomerTest {
 
   void expectNothingLeft() { EXPECT_TRUE(std::filesystem::is_empty(temporary())); }
 
-  const host_tests::TemporaryFolder folder;
-  const host_tests::ScopedSetting path{"PATH", "/nowhere::" + folder.path()};
-  const host_tests::ScopedSetting temporarySetting{"TMPDIR", temporary()};
-  const host_tests::ScopedSetting played{"PLAYED_BROWSER", folder.path()};
-  const host_tests::ScopedSetting connectTo{"ORVANE_CONNECT_TO", ""};
-  const host_tests::ScopedSetting caFile{"ORVANE_CA_FILE", ""};
-  const host_tests::ScopedSetting pinnedKey{"ORVANE_PINNED_KEY", ""};
+  const support::TemporaryFolder folder;
+  const support::ScopedSetting path{"PATH", "/nowhere::" + folder.path()};
+  const support::ScopedSetting temporarySetting{"TMPDIR", temporary()};
+  const support::ScopedSetting played{"PLAYED_BROWSER", folder.path()};
+  const support::ScopedSetting connectTo{"ORVANE_CONNECT_TO", ""};
+  const support::ScopedSetting caFile{"ORVANE_CA_FILE", ""};
+  const support::ScopedSetting pinnedKey{"ORVANE_PINNED_KEY", ""};
 };
 
 }  // namespace
@@ -136,8 +136,8 @@ TEST_F(OpenCommandTest, WithoutABrowserSaysHow) {
 
 TEST_F(OpenCommandTest, PassesOnWhereToConnect) {
   install("chromium");
-  const host_tests::ScopedSetting to("ORVANE_CONNECT_TO",
-                                     "a.example:443:127.0.0.1:1443,b.example::10.0.0.1:,::c:2");
+  const support::ScopedSetting to("ORVANE_CONNECT_TO",
+                                  "a.example:443:127.0.0.1:1443,b.example::10.0.0.1:,::c:2");
   run({"open"});
   EXPECT_THAT(written("options"),
               HasSubstr("\n--host-resolver-rules=MAP a.example:443 127.0.0.1:1443, "
@@ -146,9 +146,9 @@ TEST_F(OpenCommandTest, PassesOnWhereToConnect) {
 
 TEST_F(OpenCommandTest, SaysWhatABrowserCannotTake) {
   install("chromium");
-  const host_tests::ScopedSetting to("ORVANE_CONNECT_TO", "a:443::1443,[::1]:443:[::1]:1443");
-  const host_tests::ScopedSetting ca("ORVANE_CA_FILE", "/ca.pem");
-  const host_tests::ScopedSetting pin("ORVANE_PINNED_KEY", "sha256//AAAA");
+  const support::ScopedSetting to("ORVANE_CONNECT_TO", "a:443::1443,[::1]:443:[::1]:1443");
+  const support::ScopedSetting ca("ORVANE_CA_FILE", "/ca.pem");
+  const support::ScopedSetting pin("ORVANE_PINNED_KEY", "sha256//AAAA");
   EXPECT_EQ(run({"open"}), bookstore::kDone);
   EXPECT_THAT(err, AllOf(HasSubstr("knows nothing like a:443::1443 of ORVANE_CONNECT_TO"),
                          HasSubstr("knows nothing like [::1]:443:[::1]:1443 of"),
@@ -188,13 +188,7 @@ TEST_F(OpenCommandTest, ASignalEndsTheBrowserAndTheProfileBeforeTheProgram) {
                           "trap 'echo ended >\"$PLAYED_BROWSER/end\"; exit' TERM\n"
                           "kill -TERM $PPID\n"
                           "while :; do IFS= read -r -t 0.1 -d '' message <&3; done\n");
-  const pid_t child = ::fork();
-  if (child == 0) {
-    run({"open"});
-    ::_exit(0);
-  }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  const int status = support::statusOfNewProcess([this] { return run({"open"}); });
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
   EXPECT_EQ(written("end"), "ended\n");
   expectNothingLeft();

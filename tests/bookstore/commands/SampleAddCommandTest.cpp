@@ -2,6 +2,7 @@
 
 #include "tests/bookstore/SampleTest.h"
 
+using support::queued;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;

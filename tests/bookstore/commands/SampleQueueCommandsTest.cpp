@@ -2,6 +2,8 @@
 
 #include "tests/bookstore/SampleTest.h"
 
+using support::queued;
+using support::queueHolds;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;

@@ -7,7 +7,10 @@
 
 #include "sample_app/WorkerLock.h"
 #include "tests/bookstore/SampleTest.h"
+#include "tests/support/NewProcess.h"
 
+using support::queued;
+using support::queueHolds;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
@@ -175,16 +178,13 @@ TEST_F(SampleWorkCommandTest, ShowsTheLogInsteadWhereThatIsAskedFor) {
 
 TEST_F(SampleWorkCommandTest, ASignalStopsItBetweenTwoSamplesAndLosesNothing) {
   serverKnows("b1");
-  const pid_t child = ::fork();
-  if (child == 0) {
+  const int status = support::statusOfNewProcess([this] {
     fake::platform().http.beforeSending = [](const std::string&) { ::raise(SIGINT); };
     std::ofstream outFile(root.at("/out"));
     std::ofstream errFile(root.at("/err"));
     bookstore::run({"sample", "work"}, {outFile, errFile, false, false});
-    ::_exit(99);
-  }
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
+    return 99;
+  });
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
   EXPECT_THAT(root.contentOf("/out"), HasSubstr("Title of b1"));
   EXPECT_EQ(root.contentOf("/err"), "bookstore: stopped; samples that stay in the queue: 2\n");

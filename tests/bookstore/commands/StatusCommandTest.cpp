@@ -86,7 +86,7 @@ TEST_F(StatusCommandTest, TellsHowLongTheTokenFileHasNotChanged) {
   std::filesystem::last_write_time(root.at(kTokenPath), inTheFuture);
   run({"status"});
   EXPECT_THAT(out, HasSubstr("Token file changed  0 s ago\n"));
-  root.setDate(kTokenPath, host_tests::kBeyond2038);
+  root.setDate(kTokenPath, support::kBeyond2038);
   EXPECT_EQ(run({"status"}), 0);
   EXPECT_THAT(out, HasSubstr("Token file changed  0 s ago\n"));
 }

@@ -71,7 +71,7 @@ TEST_F(StoresCommandTest, GivesProgramsAllMembersUnderTheServersNames) {
 TEST_F(StoresCommandTest, ShowsTheIntegrationTokenOnlyWhenAsked) {
   fileHolds({store("de", "de_de")});
   run({"stores", "--json", "--show-secrets"});
-  EXPECT_EQ(json()["stores"][0]["integrationToken"], "integration-of-de");
+  EXPECT_EQ(json()["stores"][0]["integrationToken"], "integration-de");
 }
 
 TEST_F(StoresCommandTest, WithoutAStoreInTheFileSaysHowToGetThem) {

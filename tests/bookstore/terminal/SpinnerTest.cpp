@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
 using bookstore::Spinner;
 using ::testing::EndsWith;
@@ -16,7 +16,7 @@ namespace {
 
 // What a spinner that has ended left in the stream.
 std::string spin(bool errIsTerminal, const std::string& terminalKind) {
-  const host_tests::ScopedSetting kind("TERM", terminalKind);
+  const support::ScopedSetting kind("TERM", terminalKind);
   std::ostringstream out;
   std::ostringstream err;
   { const Spinner spinner({out, err, true, errIsTerminal}, "Waiting"); }
@@ -32,7 +32,7 @@ TEST(SpinnerTest, IsThereAtOnceAndGoesWithTheObject) {
 }
 
 TEST(SpinnerTest, TakesTheOldTextOffTheLineForANewOne) {
-  const host_tests::ScopedSetting kind("TERM", "xterm");
+  const support::ScopedSetting kind("TERM", "xterm");
   std::ostringstream out;
   std::ostringstream err;
   {
@@ -85,7 +85,7 @@ class SecondShape : public std::stringbuf {
 }  // namespace
 
 TEST(SpinnerTest, TurnsWhileItsMakerWaits) {
-  const host_tests::ScopedSetting kind("TERM", "xterm");
+  const support::ScopedSetting kind("TERM", "xterm");
   SecondShape shapes;
   std::ostream err(&shapes);
   std::ostringstream out;

@@ -16,7 +16,7 @@
 
 #include <orvane/utilities/CfgWrapper.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
 using orvane::utilities::CfgSecret;
 using orvane::utilities::CfgWrapper;
@@ -63,8 +63,8 @@ class FirmwareDefinitionsTest : public ::testing::Test {
   }
 
  private:
-  const host_tests::TemporaryFolder folder_;
-  const host_tests::ScopedSetting root_{"FIRMWARE_ROOT", folder_.path()};
+  const support::TemporaryFolder folder_;
+  const support::ScopedSetting root_{"FIRMWARE_ROOT", folder_.path()};
 };
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/HttpsServer.h"
+#include "tests/support/HttpsServer.h"
 
 using orvane::utilities::HttpRequest;
 using orvane::utilities::HttpRequestRunner;

@@ -8,10 +8,11 @@
 #include <map>
 #include <sstream>
 
-#include "tests/end_to_end/EndToEndTest.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/EndToEndTest.h"
 
-using end_to_end::contentOf;
-using end_to_end::outputOf;
+using support::contentOf;
+using support::outputOf;
 using ::testing::Contains;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -25,7 +26,7 @@ const char kEmail[] = "ada@firmware.example";
 const char kStores[] = "de_de  Bücherwelt Deutschland\n";
 const char kSignedIn[] = "Signed in to Bücherwelt Deutschland: ada@firmware.example\n";
 
-class FirmwareTest : public end_to_end::EndToEndTest {
+class FirmwareTest : public support::EndToEndTest {
  protected:
   FirmwareTest() {
     configure(store().connectTo());
@@ -51,10 +52,12 @@ class FirmwareTest : public end_to_end::EndToEndTest {
   std::string run(const std::vector<std::string>& arguments = {}, const std::string& input = "") {
     std::vector<std::string> command = {FIRMWARE};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return outputOf(command, &status_, input);
+    const support::Ended ended = support::run(command, input);
+    status_ = ended.code;
+    return ended.output;
   }
 
-  const end_to_end::TemporaryFolder device_;
+  const support::TemporaryFolder device_;
   int status_ = -1;
 };
 

@@ -10,13 +10,13 @@
 
 #include <orvane/utilities/CfgWrapper.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryRoot;
 using orvane::utilities::BookStoreVersionProxy;
 using orvane::utilities::CfgSecret;
 using orvane::utilities::CfgWrapper;
+using support::ScopedSetting;
+using support::TemporaryRoot;
 using testing::ElementsAre;
 using testing::MatchesRegex;
 

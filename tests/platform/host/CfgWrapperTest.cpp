@@ -14,13 +14,13 @@
 #include <gtest/gtest.h>
 
 #include "platform/host/ConfigFile.h"
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryFolder;
-using host_tests::TemporaryRoot;
 using orvane::utilities::CfgSecret;
 using orvane::utilities::CfgWrapper;
+using support::ScopedSetting;
+using support::TemporaryFolder;
+using support::TemporaryRoot;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -343,7 +343,7 @@ TEST_F(CfgWrapperTest, ReadsAHugeFileAsEmptyAndDoesNotReplaceIt) {
 
 TEST_F(CfgWrapperTest, ReadsAndReplacesAFileFromTheFarFuture) {
   save("a", "1");
-  root_.setDate(kPath, host_tests::kBeyond2038);
+  root_.setDate(kPath, support::kBeyond2038);
   EXPECT_EQ(load("a"), "1");
   save("b", "2");
   EXPECT_EQ(load("a"), "1");

@@ -10,11 +10,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
 #include "tests/support/NewProcess.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::TemporaryRoot;
 using support::passesInNewProcess;
+using support::TemporaryRoot;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;

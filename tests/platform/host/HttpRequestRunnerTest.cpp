@@ -219,7 +219,8 @@ TEST_F(HttpRequestRunnerTest, TakesNoProxyFromTheEnvironment) {
 }
 
 TEST_F(HttpRequestRunnerTest, TakesNoPasswordFromTheNetrcFile) {
-  support::runShell("echo default login user password secret > " + server_.folder() + "/.netrc");
+  support::outputOfShell("echo default login user password secret > " + server_.folder() +
+                         "/.netrc");
   set("HOME", server_.folder());
   EXPECT_THAT(get("/echo").body, Not(HasSubstr("Authorization")));
 }

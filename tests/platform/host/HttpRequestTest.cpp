@@ -11,7 +11,7 @@ class HttpRequestTest : public HttpTest {
   // What arrives when a person runs the command, against what the runner sends.
   static void expectSameBytes(const HttpRequest& request) {
     const std::string sent = perform(request).body;
-    EXPECT_EQ(support::runShell(request.toCurlRequest() + " --silent --show-error"), sent);
+    EXPECT_EQ(support::outputOfShell(request.toCurlRequest() + " --silent --show-error"), sent);
     EXPECT_NE(sent, "");
   }
 
@@ -80,7 +80,7 @@ TEST_F(HttpRequestTest, GivesACommandThatSendsTheSameWithoutABody) {
 TEST_F(HttpRequestTest, GivesACommandThatAsksForTheHeadOnly) {
   HttpRequest request("HEAD", url("/error"));
   request.AddPostData("body");
-  EXPECT_THAT(support::runShell(request.toCurlRequest() + " --silent"),
+  EXPECT_THAT(support::outputOfShell(request.toCurlRequest() + " --silent"),
               HasSubstr("500 Internal Server Error"));
 }
 

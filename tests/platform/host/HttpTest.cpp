@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 #include <ov_sdk.h>
@@ -34,15 +33,8 @@ HttpTest::HttpTest() {
   connectTo(server_.http1Port());
 }
 
-HttpTest::~HttpTest() {
-  for (const std::string& name : names_) {
-    ::unsetenv(name.c_str());
-  }
-}
-
 void HttpTest::set(const std::string& name, const std::string& value) {
-  ::setenv(name.c_str(), value.c_str(), 1);
-  names_.push_back(name);
+  settings_.set(name, value);
 }
 
 void HttpTest::connectTo(int port) {

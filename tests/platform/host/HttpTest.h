@@ -12,7 +12,8 @@
 #include <orvane/utilities/HttpRequest.h>
 #include <orvane/utilities/HttpRequestRunner.h>
 
-#include "tests/platform/host/HttpsServer.h"
+#include "tests/support/HttpsServer.h"
+#include "tests/support/ScopedSetting.h"
 
 class HttpTest : public ::testing::Test {
  protected:
@@ -29,8 +30,6 @@ class HttpTest : public ::testing::Test {
 
   // Points the settings at the server.
   HttpTest();
-  // Ends the settings that the test made.
-  ~HttpTest() override;
 
   // Sets an environment variable until the end of the test.
   void set(const std::string& name, const std::string& value);
@@ -57,7 +56,7 @@ class HttpTest : public ::testing::Test {
   support::HttpsServer server_;
 
  private:
-  std::vector<std::string> names_;
+  support::ScopedSettings settings_;
 };
 
 #endif  // TESTS_PLATFORM_HOST_HTTPTEST_H_

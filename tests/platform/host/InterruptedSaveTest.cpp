@@ -11,9 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <random>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -25,13 +23,17 @@
 
 #include <orvane/utilities/CfgWrapper.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/NewProcess.h"
+#include "tests/support/TemporaryRoot.h"
+#include "tests/support/Tracer.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryRoot;
 using orvane::utilities::CfgWrapper;
+using support::codeOf;
 using support::passesInNewProcess;
+using support::ScopedSetting;
+using support::SystemCall;
+using support::TemporaryRoot;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -42,12 +44,6 @@ namespace {
 const char kFolder[] = "/mnt/ext1";
 const char kPath[] = "/mnt/ext1/a.cfg";
 const int kSavesEach = 1000;
-
-// One system call of a save: its name, and which call of that name in the process it is.
-struct SystemCall {
-  std::string name;
-  int number;
-};
 
 }  // namespace
 
@@ -60,26 +56,10 @@ class InterruptedSaveTest : public testing::Test {
   }
 
   static pid_t spawn(const std::vector<std::string>& command) {
-    std::vector<char*> arguments;
-    for (const std::string& argument : command) {
-      arguments.push_back(const_cast<char*>(argument.c_str()));
-    }
-    arguments.push_back(nullptr);
-    const pid_t process = ::fork();
-    if (process == 0) {
-      ::execv(arguments[0], arguments.data());
-      ::_exit(127);
-    }
-    return process;
+    return support::start(command, STDIN_FILENO, STDOUT_FILENO);
   }
 
-  static int finish(pid_t process) {
-    int status = -1;
-    ::waitpid(process, &status, 0);
-    return status;
-  }
-
-  static int run(const std::vector<std::string>& command) { return finish(spawn(command)); }
+  static int run(const std::vector<std::string>& command) { return codeOf(spawn(command)); }
 
   // The number that the last save of `prefix` wrote; -1 for none. All keys must show the same one.
   static int lastSaved(const std::string& prefix) {
@@ -91,47 +71,7 @@ class InterruptedSaveTest : public testing::Test {
     return std::atoi(first.c_str());
   }
 
-  static std::vector<std::string> underTracer(const std::vector<std::string>& options,
-                                              const std::vector<std::string>& command) {
-    std::vector<std::string> all = {STRACE, "-f", "-qq"};
-    all.insert(all.end(), options.begin(), options.end());
-    all.insert(all.end(), command.begin(), command.end());
-    return all;
-  }
-
-  // The system calls that a save makes which changes the values of number 1.
-  std::vector<SystemCall> callsOfASave() const {
-    const std::string trace = root_.path() + "-trace";
-    EXPECT_EQ(run(underTracer({"-o", trace}, saver("a", 2, 1))), 0);
-    std::ifstream lines(trace);
-    const std::regex call("^[0-9]+ +([a-z0-9_]+)\\(");
-    std::map<std::string, int> counts;
-    std::vector<SystemCall> calls;
-    bool isInSave = false;
-    for (std::string line; std::getline(lines, line);) {
-      std::smatch match;
-      if (!std::regex_search(line, match, call)) {
-        continue;
-      }
-      const SystemCall found = {match[1], ++counts[match[1]]};
-      if (found.name == "getppid") {
-        isInSave = !isInSave;
-      } else if (isInSave) {
-        calls.push_back(found);
-      }
-    }
-    std::filesystem::remove(trace);
-    return calls;
-  }
-
-  static std::vector<std::string> tampering(const SystemCall& call, const std::string& with) {
-    return {"-o", "/dev/null", "-e",
-            "inject=" + call.name + ":" + with + ":when=" + std::to_string(call.number)};
-  }
-
   TemporaryRoot root_;
-  // The leak checker of a sanitized build cannot work beside a tracer.
-  ScopedSetting noLeakCheck_{"ASAN_OPTIONS", "detect_leaks=0"};
 };
 
 TEST_F(InterruptedSaveTest, TwoProcessesLoseNoKeyOfEachOtherAndReadersSeeWholeFiles) {
@@ -152,8 +92,8 @@ TEST_F(InterruptedSaveTest, TwoProcessesLoseNoKeyOfEachOtherAndReadersSeeWholeFi
       ++reads;
     }
   });
-  EXPECT_EQ(finish(one), 0);
-  EXPECT_EQ(finish(two), 0);
+  EXPECT_EQ(codeOf(one), 0);
+  EXPECT_EQ(codeOf(two), 0);
   isSaving = false;
   reader.join();
   EXPECT_EQ(lastSaved("one"), kSavesEach);
@@ -173,7 +113,7 @@ TEST_F(InterruptedSaveTest, AProcessKilledAtAnyTimeLeavesAWholeFile) {
     }
     ::usleep(std::uniform_int_distribution<useconds_t>(0, 5000)(random));
     ::kill(process, SIGKILL);
-    finish(process);
+    codeOf(process);
     const int now = lastSaved("a");
     ASSERT_GT(now, last) << "round " << round;
     last = now;
@@ -185,14 +125,14 @@ TEST_F(InterruptedSaveTest, AProcessKilledAtAnyTimeLeavesAWholeFile) {
 
 TEST_F(InterruptedSaveTest, AProcessKilledAtAnySystemCallLeavesAWholeFile) {
   ASSERT_EQ(run(saver("a", 1, 1)), 0);
-  const std::vector<SystemCall> calls = callsOfASave();
+  const std::vector<SystemCall> calls = support::callsOf(saver("a", 2, 1));
   ASSERT_GT(calls.size(), 10u);
   std::set<int> seen;
   std::size_t killed = 0;
   for (const SystemCall& call : calls) {
     ASSERT_EQ(run(saver("a", 1, 1)), 0);
-    const int status = run(underTracer(tampering(call, "signal=KILL"), saver("a", 2, 1)));
-    const bool wasKilled = WIFSIGNALED(status) || WEXITSTATUS(status) == 128 + SIGKILL;
+    const int code = support::runInjected(call, "signal=KILL", saver("a", 2, 1));
+    const bool wasKilled = code == 128 + SIGKILL;
     killed += wasKilled ? 1 : 0;
     const int now = lastSaved("a");
     EXPECT_TRUE(now == 2 || (now == 1 && wasKilled)) << call.name << ' ' << call.number;
@@ -211,14 +151,14 @@ TEST_F(InterruptedSaveTest, AFailureOfAnySystemCallLeavesAWholeFileAndALogLine) 
                                        "newfstatat", "read",   "write", "fsync",
                                        "close",      "rename", "link",  "unlink"};
   std::set<std::string> failing;
-  for (const SystemCall& call : callsOfASave()) {
+  for (const SystemCall& call : support::callsOf(saver("a", 2, 1))) {
     if (files.count(call.name) == 0) {
       continue;
     }
     for (const std::string error : {"ENOSPC", "EIO", "EDQUOT"}) {
       ASSERT_EQ(run(saver("a", 1, 1)), 0);
       root_.clearLog();
-      EXPECT_EQ(run(underTracer(tampering(call, "error=" + error), saver("a", 2, 1))), 0);
+      EXPECT_EQ(support::runInjected(call, "error=" + error, saver("a", 2, 1)), 0);
       const std::string log = root_.log();
       const int now = lastSaved("a");
       EXPECT_TRUE(now == 1 || now == 2) << call.name << ' ' << call.number;
@@ -238,7 +178,7 @@ TEST_F(InterruptedSaveTest, AFailureOfAnySystemCallLeavesAWholeFileAndALogLine) 
 TEST_F(InterruptedSaveTest, SaysSoWhenASavedFileMayNotBeOnTheDiskYet) {
   ASSERT_EQ(run(saver("a", 1, 1)), 0);
   // The file's own is the first, the folder's the second.
-  ASSERT_EQ(run(underTracer(tampering({"fsync", 2}, "error=EIO"), saver("a", 2, 1))), 0);
+  ASSERT_EQ(support::runInjected({"fsync", 2}, "error=EIO", saver("a", 2, 1)), 0);
   EXPECT_EQ(lastSaved("a"), 2);
   EXPECT_THAT(root_.log(), HasSubstr("a power failure could undo it: fsync folder"));
 }

@@ -14,10 +14,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryRoot;
+using support::ScopedSetting;
+using support::TemporaryRoot;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;

@@ -13,12 +13,12 @@
 #include <orvane/utilities/CfgWrapper.h>
 
 #include "platform/host/SecretBox.h"
-#include "tests/platform/host/TemporaryRoot.h"
+#include "tests/support/TemporaryRoot.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryFolder;
-using host_tests::TemporaryRoot;
 using orvane::utilities::CfgWrapper;
+using support::ScopedSetting;
+using support::TemporaryFolder;
+using support::TemporaryRoot;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -282,7 +282,7 @@ TEST_F(SecretTest, AKeyOfAnotherUserIsNotUsed) {
 
 TEST_F(SecretTest, AKeyFromTheFarFutureIsUsed) {
   save("token", "a");
-  root_.setDate(kKeyPath, host_tests::kBeyond2038);
+  root_.setDate(kKeyPath, support::kBeyond2038);
   EXPECT_EQ(load("token"), "a");
   EXPECT_EQ(root_.log(), "");
 }

@@ -15,12 +15,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/platform/host/TemporaryRoot.h"
 #include "tests/support/NewProcess.h"
+#include "tests/support/TemporaryRoot.h"
+#include "tests/support/WaitUntil.h"
 
-using host_tests::ScopedSetting;
-using host_tests::TemporaryRoot;
 using support::passesInNewProcess;
+using support::ScopedSetting;
+using support::TemporaryRoot;
+using support::waitUntil;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -28,17 +30,6 @@ namespace {
 
 const char kPath[] = "/ombrel/bin/probe.app";
 const char kReport[] = "/report";
-
-// True once `holds` does; false after ten seconds.
-bool eventually(const std::function<bool()>& holds) {
-  for (int i = 0; i < 1000; ++i) {
-    if (holds()) {
-      return true;
-    }
-    ::usleep(10000);
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -49,7 +40,7 @@ class TaskTest : public testing::Test {
       ::kill(task, SIGKILL);
     }
     EXPECT_TRUE(
-        eventually([this] { return std::none_of(started_.begin(), started_.end(), isRunning); }));
+        waitUntil([this] { return std::none_of(started_.begin(), started_.end(), isRunning); }));
   }
 
   // Nobody may have reaped it: what has ended has no executable any more.
@@ -79,11 +70,11 @@ class TaskTest : public testing::Test {
 
   void end(int task) {
     ASSERT_EQ(::kill(task, SIGKILL), 0);
-    ASSERT_TRUE(eventually([task] { return !isRunning(task); }));
+    ASSERT_TRUE(waitUntil([task] { return !isRunning(task); }));
   }
 
   std::string report() const {
-    EXPECT_TRUE(eventually([this] { return std::filesystem::exists(root_.at(kReport)); }));
+    EXPECT_TRUE(waitUntil([this] { return std::filesystem::exists(root_.at(kReport)); }));
     return root_.contentOf(kReport);
   }
 
@@ -107,7 +98,7 @@ TEST_F(TaskTest, DoesNotTakeAZombieForARunningTask) {
     ::execl(root_.at(kPath).c_str(), "probe", nullptr);
     ::_exit(127);
   }
-  ASSERT_TRUE(eventually([] { return FindTaskByAppName(kPath) > 0; }));
+  ASSERT_TRUE(waitUntil([] { return FindTaskByAppName(kPath) > 0; }));
   ::kill(child, SIGKILL);
   siginfo_t info = {};
   ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT), 0);
@@ -290,7 +281,7 @@ TEST_F(TaskTest, DoesNotTakeAReaderOfAScriptForTheScript) {
     ::_exit(127);
   }
   const std::string process = "/proc/" + std::to_string(child) + "/exe";
-  ASSERT_TRUE(eventually([&] {
+  ASSERT_TRUE(waitUntil([&] {
     std::error_code ignored;
     return std::filesystem::read_symlink(process, ignored).filename() == "tail";
   }));

@@ -1,0 +1,29 @@
+// Programs whose system calls are watched, killed or made to fail, by strace. A program marks the
+// part that a test is about with a call of getppid() before it and, if more follows, one after it.
+
+#ifndef TESTS_SUPPORT_TRACER_H_
+#define TESTS_SUPPORT_TRACER_H_
+
+#include <string>
+#include <vector>
+
+namespace support {
+
+// A system call: its name, and which call of that name in the process it is, counted from 1.
+struct SystemCall {
+  std::string name;
+  int number;
+};
+
+// The system calls of the marked part of `command`, in order, without the marks. Throws
+// std::runtime_error when the command does not end with 0.
+std::vector<SystemCall> callsOf(const std::vector<std::string>& command);
+
+// Runs `command`, where `call` is changed as strace's option inject names it: "signal=KILL" or
+// "error=EIO". Returns its code as Ended has it.
+int runInjected(const SystemCall& call, const std::string& what,
+                const std::vector<std::string>& command);
+
+}  // namespace support
+
+#endif  // TESTS_SUPPORT_TRACER_H_
