@@ -1,4 +1,5 @@
-// Runs the store service in the foreground until SIGTERM or SIGINT.
+// Runs the store service in the foreground until SIGTERM or SIGINT, or with --end-with-stdin until the
+// end of standard input: the service then ends with the process at the other end of the pipe.
 import { readFileSync, rmSync } from 'node:fs';
 import { join, resolve } from 'node:path';
 import { parseArgs } from 'node:util';
@@ -6,7 +7,8 @@ import { parseArgs } from 'node:util';
 import { startService } from './src/service.mjs';
 import { asLines, replaceFile } from './src/stateFile.mjs';
 
-const usage = 'usage: node server.mjs --state DIR [--port N] [--control-port N] [--line old|new]';
+const usage =
+  'usage: node server.mjs --state DIR [--port N] [--control-port N] [--line old|new] [--end-with-stdin]';
 
 function readPort(name, text) {
   const port = Number(text);
@@ -23,6 +25,7 @@ function readOptions() {
       port: { type: 'string', default: '0' },
       'control-port': { type: 'string', default: '0' },
       line: { type: 'string', default: 'new' },
+      'end-with-stdin': { type: 'boolean', default: false },
     },
   });
   if (!values.state) throw new Error(usage);
@@ -31,6 +34,7 @@ function readOptions() {
     port: readPort('--port', values.port),
     controlPort: readPort('--control-port', values['control-port']),
     line: values.line,
+    endWithStdin: values['end-with-stdin'],
   };
 }
 
@@ -64,6 +68,7 @@ async function main() {
   };
   process.once('SIGTERM', end);
   process.once('SIGINT', end);
+  if (options.endWithStdin) process.stdin.once('close', end).resume();
 }
 
 main().catch((error) => {

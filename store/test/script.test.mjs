@@ -142,3 +142,20 @@ for (const options of [['--port', 'x'], ['--line', 'older'], ['--port'], ['--col
     assert.match(outcome.stderr, /usage: scripts\/store/);
   });
 }
+
+test('with --end-with-stdin the service ends when nobody has the other end of the pipe', async () => {
+  const starter = spawn(script, ['start', '--state', state, '--end-with-stdin'], {
+    stdio: ['pipe', 'pipe', 'inherit'],
+  });
+  let lines = '';
+  starter.stdout.on('data', (piece) => {
+    lines += piece;
+  });
+  // When the starter has ended, the pipe is closed.
+  assert.equal(await new Promise((resolve) => starter.once('close', resolve)), 0);
+  const pid = /^pid=(\d+)$/m.exec(lines)[1];
+  for (let count = 0; isAlive(pid) && count < 1000; count += 1) {
+    await new Promise((resolve) => setTimeout(resolve, 10));
+  }
+  assert.equal(isAlive(pid), false);
+});

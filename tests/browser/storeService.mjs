@@ -1,6 +1,7 @@
 // The local store service, as a process with a state folder of its own.
+import { execFileSync } from 'node:child_process';
 import { createHash, X509Certificate } from 'node:crypto';
-import { readFileSync } from 'node:fs';
+import { openSync, readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
@@ -19,13 +20,26 @@ export class StoreService {
   }
 
   async start(line) {
-    const output = await outputOf(script, ['start', '--state', this.#state, '--line', line]);
+    const options = ['--state', this.#state, '--line', line, '--end-with-stdin'];
+    const output = await outputOf(
+      'sh',
+      ['-c', 'exec "$0" "$@" <"$LIFELINE"', script, 'start', ...options],
+      { environment: { LIFELINE: this.#openLifeline() } },
+    );
     const pairs = output.trimEnd().split('\n');
     this.#fields = Object.fromEntries(pairs.map((pair) => pair.split(/=(.*)/s).slice(0, 2)));
   }
 
   async stop() {
     await outputOf(script, ['stop', '--state', this.#state], { timeout: stopMilliseconds });
+  }
+
+  // A pipe whose writing end is open as long as this process lives: the service ends with it.
+  #openLifeline() {
+    const path = `${this.#state}.lifeline`;
+    execFileSync('mkfifo', [path]);
+    openSync(path, 'r+');
+    return path;
   }
 
   get port() {

@@ -37,7 +37,12 @@ StoreService::~StoreService() {
 }
 
 void StoreService::start() {
-  const std::string lines = outputOf({STORE_SCRIPT, "start", "--state", folder() + "/state"});
+  const Ended started = runReading(lifeline_.childEnd(), {STORE_SCRIPT, "start", "--end-with-stdin",
+                                                          "--state", folder() + "/state"});
+  if (started.code != 0) {
+    throw std::runtime_error("the store service does not start: " + started.output);
+  }
+  const std::string& lines = started.output;
   port_ = field(lines, "port");
   control_ = field(lines, "control");
   authority_ = field(lines, "ca");

@@ -7,12 +7,14 @@
 
 #include <json/json.h>
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace support {
 
 // Starts a service with a state folder of its own, and ends it and removes the folder when
-// destroyed. Throws std::runtime_error with the service's words when it does not start.
+// destroyed. The service ends with this process, too, however that ends. Throws std::runtime_error
+// with the service's words when it does not start.
 class StoreService {
  public:
   StoreService();
@@ -54,6 +56,7 @@ class StoreService {
                       const std::string& body = std::string());
 
   const TemporaryFolder folder_;
+  const Lifeline lifeline_;
   std::string port_;
   std::string control_;
   std::string authority_;
