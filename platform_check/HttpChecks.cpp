@@ -362,9 +362,14 @@ void endlessResponseEnds(const Settings& settings) {
 
 void progressCanStopTheTransfer(const Settings& settings) {
   const FaultyService service(settings, "{\"endless\":true,\"gzip\":false,\"times\":1}");
-  const auto stop = [](std::uint64_t received, std::uint64_t) { return received < 1000; };
+  int stops = 0;
+  const auto stop = [&stops](std::uint64_t received, std::uint64_t) {
+    stops += received < 1000 ? 0 : 1;
+    return received < 1000;
+  };
   require(performWithHeaders(Query(service.url()), {}, stop).result != 0,
           "PerformRequest() returned 0, though the progress callback returned false");
+  requireEqual("the number of calls of the progress callback that returned false", stops, 1);
 }
 
 // --- Whom it talks to ----------------------------------------------------------------------------

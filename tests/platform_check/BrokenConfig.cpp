@@ -10,6 +10,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <orvane/utilities/CfgWrapper.h>
 
@@ -42,12 +43,37 @@ std::string hexOf(const std::string& text) {
   return result;
 }
 
+std::string asciiOf(const std::string& text) {
+  std::string ascii = text;
+  for (char& byte : ascii) {
+    byte = static_cast<unsigned char>(byte) < 128 ? byte : '?';
+  }
+  return ascii;
+}
+
 std::string ofHex(const std::string& digits) {
   std::string result;
   for (std::size_t at = 0; at + 1 < digits.size(); at += 2) {
     result += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
   }
   return result;
+}
+
+// What a save has to write first, in "writes-wait-for-save".
+struct Waiting {
+  ov_config* config;
+  std::string key;
+  std::string text;
+};
+std::vector<Waiting>& waiting() {
+  static std::vector<Waiting> all;
+  return all;
+}
+
+// The texts that the caller still owns, in "text-not-copied".
+std::map<std::string, const char*>& kept() {
+  static std::map<std::string, const char*> texts;
+  return texts;
 }
 
 }  // namespace
@@ -63,6 +89,9 @@ const char* ReadString(ov_config* config, const char* key, const char* default_v
   static std::string shared;
   const auto read = real<decltype(&ReadString)>(&ReadString);
   const char* text = read(config, key, default_value);
+  if (isFault("text-not-copied") && kept().count(key) != 0) {
+    return kept()[key];
+  }
   if (isFault("empty-text-is-null") && *text == '\0') {
     return nullptr;
   }
@@ -93,8 +122,8 @@ const char* ReadSecret(ov_config* config, const char* key, const char* default_v
 }
 
 void WriteInt(ov_config* config, const char* key, int value) {
-  real<decltype(&WriteInt)> (&WriteInt)(
-      config, key, isFault("integer-of-16-bits") ? static_cast<short>(value) : value);
+  const auto write = real<decltype(&WriteInt)>(&WriteInt);
+  write(config, key, isFault("integer-of-16-bits") ? static_cast<short>(value) : value);
 }
 
 void WriteString(ov_config* config, const char* key, const char* text) {
@@ -105,7 +134,19 @@ void WriteString(ov_config* config, const char* key, const char* text) {
   if (isFault("text-cut-at-1000-bytes")) {
     stored = stored.substr(0, 1000);
   }
-  real<decltype(&WriteString)> (&WriteString)(config, key, stored.c_str());
+  if (isFault("text-not-copied")) {
+    kept()[key] = text;
+  }
+  if (isFault("writes-wait-for-save")) {
+    waiting().push_back({config, key, stored});
+    return;
+  }
+  if (isFault("secret-stays-a-secret") && ReadSecret(config, key, nullptr) != nullptr) {
+    WriteSecret(config, key, text);
+    return;
+  }
+  const auto write = real<decltype(&WriteString)>(&WriteString);
+  write(config, key, stored.c_str());
 }
 
 void WriteSecret(ov_config* config, const char* key, const char* text) {
@@ -114,7 +155,8 @@ void WriteSecret(ov_config* config, const char* key, const char* text) {
   } else if (isFault("secret-as-hexadecimal-digits")) {
     WriteString(config, key, hexOf(text).c_str());
   } else {
-    real<decltype(&WriteSecret)> (&WriteSecret)(config, key, text);
+    const auto write = real<decltype(&WriteSecret)>(&WriteSecret);
+    write(config, key, (isFault("secret-of-ascii-only") ? asciiOf(text) : text).c_str());
   }
 }
 
@@ -156,10 +198,18 @@ using Member = void (*)(CfgWrapper*);
 }  // namespace
 
 void CfgWrapper::save() {
+  const auto write = real<decltype(&WriteString)>(&WriteString);
+  for (const Waiting& each : waiting()) {
+    write(each.config, each.key.c_str(), each.text.c_str());
+  }
+  waiting().clear();
   if (isFault("save-waits-for-close")) {
     return;
   }
   real<Member> (&CfgWrapper::save)(this);
+  if (isFault("save-closes")) {
+    closeNoSave();
+  }
   if (isFault("failed-save-throws") && std::filesystem::is_directory(openFiles()[this])) {
     throw std::runtime_error("cannot save");
   }

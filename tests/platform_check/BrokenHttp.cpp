@@ -1,8 +1,12 @@
 // Faults of HTTP. Those of the transfer itself are played by changing the options of libcurl, with
 // which the implementation under the faults works.
 
+#include <unistd.h>
+
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -34,6 +38,10 @@ int brokenResult(int result, long* status) {
   if (isFault("part-is-a-response") && *status != 0) {
     return 0;
   }
+  const int kMalformedUrl = 3;
+  if (isFault("malformed-url-throws") && result == kMalformedUrl) {
+    throw std::invalid_argument("malformed URL");
+  }
   if (isFault("status-of-a-failure") && result != 0) {
     *status = 200;
   }
@@ -41,6 +49,9 @@ int brokenResult(int result, long* status) {
 }
 
 Write brokenWrite(const Write& write) {
+  if (isFault("empty-callback-called")) {
+    return [write](std::size_t length, const char* data) { return write(length, data); };
+  }
   if (write && isFault("refused-data-ignored")) {
     return [write](std::size_t length, const char* data) {
       write(length, data);
@@ -80,7 +91,7 @@ void HttpRequest::AddHeader(const std::string& name, const std::string& value) {
     add(this, value.substr(end + 1, colon - end - 1), value.substr(colon + 2));
     return;
   }
-  add(this, name, value);
+  add(this, name, isFault("header-value-ends-at-comma") ? value.substr(0, value.find(',')) : value);
 }
 
 int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status,
@@ -103,9 +114,18 @@ int HttpRequestRunner::PerformRequest(const HttpRequest& request, long* status, 
       int (*)(HttpRequestRunner*, const HttpRequest&, long*, Headers*, Read, Write, Progress);
   const auto perform =
       real<Perform>(static_cast<PerformForHeaders>(&HttpRequestRunner::PerformRequest));
+  static std::atomic<int> running(0);
+  if (isFault("one-request-at-a-time")) {
+    if (running++ > 0) {
+      return 7;
+    }
+    ::usleep(200000);
+  }
   int result = 0;
   const auto run = [&] {
-    result = perform(this, request, status, headers, read, brokenWrite(write), progress);
+    result =
+        perform(this, request, status, headers, isFault("read-callback-ignored") ? Read() : read,
+                brokenWrite(write), isFault("progress-callback-ignored") ? Progress() : progress);
   };
   if (isFault("callback-on-another-thread")) {
     std::thread(run).join();

@@ -31,6 +31,9 @@ int SerializationUtils::SerializeString(std::string const& value, std::ostream& 
   if (isFault("string-ends-at-nul")) {
     return serialize(value.c_str(), out);
   }
+  if (isFault("length-of-16-bits")) {
+    return serialize(value.substr(0, value.size() & 0xffff), out);
+  }
   if (isFault("empty-string-is-nothing") && value.empty()) {
     return 0;
   }
@@ -55,6 +58,9 @@ void reserveDamagedLength(std::istream& in, std::string* value) {
 }  // namespace
 
 int SerializationUtils::DeserializeString(std::istream& in, std::string* value) {
+  if (isFault("failed-input-not-at-its-end") && in.fail()) {
+    return 1;
+  }
   if (isFault("damaged-length-trusted")) {
     reserveDamagedLength(in, value);
   }
@@ -80,11 +86,20 @@ int SerializationUtils::DeserializeString(std::istream& in, std::string* value) 
 // --- Texts and identity --------------------------------------------------------------------------
 
 std::string Str::trim(const std::string& text, const std::string& characters) {
-  return real<decltype(&trim)>(&trim)(
-      text, isFault("trims-blanks-only") && characters == WHITESPACE ? " " : characters);
+  const auto realTrim = real<decltype(&trim)>(&trim);
+  if (isFault("trims-white-space-only")) {
+    return realTrim(text, WHITESPACE);
+  }
+  return realTrim(text,
+                  isFault("trims-blanks-only") && characters == WHITESPACE ? " " : characters);
 }
 
 const char* GetSerialNumber(void) {
+  static char changing[] = "A";
+  if (isFault("serial-number-changes")) {
+    ++changing[0];
+    return changing;
+  }
   return isFault("serial-number-is-null") ? nullptr
                                           : real<decltype(&GetSerialNumber)>(&GetSerialNumber)();
 }
@@ -127,6 +142,9 @@ int NewTask(const char* path, char* const* arguments, const char* app_name, cons
     return 1;
   }
   const int result = start(path, arguments, app_name, name, reserved, flags);
+  if (isFault("task-number-is-zero")) {
+    return 0;
+  }
   return isFault("missing-task-is-started") ? 1 : result;
 }
 
@@ -148,6 +166,21 @@ extern "C" int posix_spawn_file_actions_addclosefrom_np(posix_spawn_file_actions
 
 // --- Log -----------------------------------------------------------------------------------------
 
+namespace {
+
+void logInPieces(const std::string& text) {
+  const std::string line = text + "\n";
+  for (std::size_t at = 0; at < line.size(); at += 100) {
+    const std::string piece = line.substr(at, 100);
+    if (::write(STDERR_FILENO, piece.data(), piece.size()) < 0) {
+      return;
+    }
+    ::usleep(100);
+  }
+}
+
+}  // namespace
+
 void ov_print_log2(int level, const char* file, int line, const char* function, const char* format,
                    ...) {
   const auto log =
@@ -160,7 +193,14 @@ void ov_print_log2(int level, const char* file, int line, const char* function, 
   va_end(values);
   const std::string text(formatted, static_cast<std::size_t>(length));
   std::free(formatted);
-  if (isFault("log-uses-the-format-twice")) {
+  if (isFault("log-crashes-beyond-ascii") && text.find('\xff') != std::string::npos) {
+    std::abort();
+  }
+  if (isFault("log-in-pieces")) {
+    logInPieces(text);
+  } else if (isFault("log-ignores-the-values")) {
+    log(level, file, line, function, "%s", format);
+  } else if (isFault("log-uses-the-format-twice")) {
     log(level, file, line, function, text.c_str());
   } else if (isFault("log-cuts-long-lines")) {
     log(level, file, line, function, "%s", text.substr(0, 1000).c_str());
@@ -168,5 +208,8 @@ void ov_print_log2(int level, const char* file, int line, const char* function, 
     log(level, "", 0, "", "%s", text.c_str());
   } else {
     log(level, file, line, function, "%s", text.c_str());
+    if (isFault("log-says-it-twice")) {
+      log(level, file, line, function, "%s", text.c_str());
+    }
   }
 }
