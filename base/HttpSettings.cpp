@@ -35,8 +35,8 @@ HttpSettings readHttpSettings() {
   result.pinnedKey = text(settings::kPinnedKey);
   result.connectTo = splitAtCommas(text(settings::kConnectTo));
   result.http2 = choice(settings::kHttpVersion, {"1.1", "2"}) == "2";
-  result.maxAnswerBytes = static_cast<std::uint64_t>(
-      number(settings::kMaxAnswerBytes, 1, std::numeric_limits<long long>::max()));
+  result.maxResponseBytes = static_cast<std::uint64_t>(
+      number(settings::kMaxResponseBytes, 1, std::numeric_limits<long long>::max()));
   result.connectTimeoutSeconds = seconds(settings::kConnectTimeoutSeconds);
   result.stallTimeoutSeconds = seconds(settings::kStallTimeoutSeconds);
   return result;

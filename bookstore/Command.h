@@ -1,4 +1,4 @@
-// What a command of the program is: a row of the table (Commands.h) and one function. The parser
+// A command of the program: a row of the table (Commands.h) and one function. The parser
 // and
 // --help are made from these rows.
 
@@ -20,29 +20,29 @@ namespace bookstore {
 struct Option {
   std::string name;       // "--store"; a name without dashes is that of a positional argument
   std::string shortName;  // "-v"; empty when there is none
-  std::string value;      // stands for the value in help; empty for a flag
+  std::string value;      // the name of the value in help; empty for a flag
   std::vector<std::string> choices;  // the values allowed; empty for any
   bool isRequired = false;
   std::string description;  // one line
 };
 
-// What the person gave. Only options that the command's row has may be asked for: another name
-// throws std::out_of_range.
+// The options and arguments that were given. A name that is not in the command's row throws
+// std::out_of_range.
 class Arguments {
  public:
-  // Makes `name` known, as not given.
+  // Adds `name` as not given.
   void declare(const std::string& name) { values_[name]; }
   void set(const std::string& name, const std::string& value) { values_[name] = value; }
 
   bool has(const std::string& name) const { return values_.at(name).has_value(); }
-  // Empty when the option was not given.
+  // Empty if the option was not given.
   std::string text(const std::string& name) const { return values_.at(name).value_or(""); }
 
  private:
   std::map<std::string, std::optional<std::string>> values_;
 };
 
-// What a command's function works with, all owned by run() and valid during the call.
+// What a command's function uses; owned by run(), and valid during the call.
 struct Context {
   const Arguments& arguments;
   Output& output;
@@ -54,12 +54,12 @@ struct Context {
 enum class Sends { Never, Always, WithRefresh };
 
 struct Command {
-  std::string name;         // words as the person types them; "group command" where there are many
+  std::string name;         // as it is typed; "group command" in a group
   std::string description;  // one line
   Sends sends;
-  std::vector<Option> options;  // its own; every command takes commonOptions() too
-  // Does the work and prints the result; throws Failure when it cannot. Null for a group, whose row
-  // stands before its commands.
+  std::vector<Option> options;  // without commonOptions(), which every command has
+  // Does the work and prints the result; throws Failure if it cannot. Null for a group, whose row
+  // precedes those of its commands.
   void (*run)(Context& context);
 };
 

@@ -37,15 +37,16 @@ Option argument(const std::string& name, const std::string& description) {
 }
 
 Option storeOption() {
-  return {"--store", "",    "ID",
-          {},        false, "The store; without it the current one, or the only one known"};
+  return {"--store", "",
+          "ID",      {},
+          false,     "The store; by default the current store, or the only store in the list"};
 }
 
 Option emailOption() {
-  return required("--email", "ADDRESS", "The customer's e-mail address");
+  return required("--email", "ADDRESS", "The customer's email address");
 }
 
-// The options, and after them those that say where the password comes from.
+// The options, followed by those that say where the password comes from.
 std::vector<Option> withPassword(std::vector<Option> options) {
   for (const Option& option : passwordOptions()) {
     options.push_back(option);
@@ -56,20 +57,20 @@ std::vector<Option> withPassword(std::vector<Option> options) {
 std::vector<Command> stateCommands() {
   return {
       {"stores",
-       "List the regional stores that are kept in the store list file",
+       "List the regional stores in the store list file",
        Sends::WithRefresh,
-       {flag("--refresh", "Ask the store service, and keep what it lists in the file")},
+       {flag("--refresh", "Fetch the list from the server first, and save it in the file")},
        runStores},
       {"headers",
        "Show the headers of a request to a store",
        Sends::Never,
        {required("--store", "ID",
-                 "The store: its providerID, or its storeCode where only one store has it"),
+                 "The store: its providerID, or its storeCode if no other store has it"),
         requiredChoice("--type", "TYPE", {"none", "integration", "customer", "refresh"},
                        "The credentials that the request carries")},
        runHeaders},
       {"status",
-       "Show the files, the current store, the session and the identity of the device",
+       "Show the files, the current store, the session and the device's identity",
        Sends::Never,
        {},
        runStatus},
@@ -78,28 +79,32 @@ std::vector<Command> stateCommands() {
 
 std::vector<Command> accountCommands() {
   return {
-      {"register", "Register a customer at a store; does not sign in", Sends::Always,
+      {"register", "Register a customer at a store, without signing in", Sends::Always,
        withPassword({storeOption(), emailOption(),
                      required("--first-name", "NAME", "The customer's first name"),
                      required("--last-name", "NAME", "The customer's last name"),
-                     flag("--subscribe", "Order the store's newsletter, too")}),
+                     flag("--subscribe", "Subscribe to the store's newsletter, too")}),
        runRegister},
       {"sign-in", "Sign the customer in to a store", Sends::Always,
        withPassword({storeOption(), emailOption()}), runSignIn},
-      {"whoami", "Ask the store who is signed in", Sends::Always, {storeOption()}, runWhoami},
+      {"whoami",
+       "Show the profile of the signed-in customer",
+       Sends::Always,
+       {storeOption()},
+       runWhoami},
       {"refresh",
-       "Buy new tokens for the refresh token",
+       "Exchange the refresh token for new tokens",
        Sends::Always,
        {storeOption()},
        runRefresh},
-      {"sign-out", "Forget the customer's tokens", Sends::Never, {}, runSignOut},
+      {"sign-out", "Remove the customer's tokens", Sends::Never, {}, runSignOut},
       {"email-available",
-       "Ask a store whether an address may still be registered",
+       "Check whether an email address can be registered at a store",
        Sends::Always,
        {storeOption(), emailOption()},
        runEmailAvailable},
       {"reset-password",
-       "Have a store mail a link with which the customer sets a new password",
+       "Email a password reset link",
        Sends::Always,
        {storeOption(), emailOption()},
        runResetPassword},
@@ -109,17 +114,17 @@ std::vector<Command> accountCommands() {
 std::vector<Command> browserCommands() {
   return {
       {"cookies",
-       "Show the cookies with which a browser is the signed-in customer",
+       "Show the cookies that sign a browser in as the customer",
        Sends::Never,
        {{"--format",
          "",
          "FORMAT",
          {"table", "json", "netscape"},
          false,
-         "How to print them; netscape is a cookie file for other programs"}},
+         "The output format; netscape is a cookie file for other programs"}},
        runCookies},
       {"open",
-       "Start a browser in which the customer is signed in, and wait until it is closed",
+       "Open the store in a browser as the signed-in customer, and wait until it is closed",
        Sends::Never,
        {},
        runOpen},
@@ -130,16 +135,16 @@ std::vector<Command> sampleCommands() {
   const Option book = argument("BOOK", "The book: the uid of a product of the store");
   return {
       {"sample",
-       "Queue the samples of books, look at the queue, and work it through",
+       "Add samples of books to the queue, show the queue, and process it",
        Sends::Never,
        {},
        nullptr},
       {"sample add",
-       "Queue a sample, and start the background application",
+       "Add a sample to the queue, and start the background application",
        Sends::Never,
-       {book, argument("FILE", "The sample's file, by its path on the device")},
+       {book, argument("FILE", "The sample's file: its path on the device")},
        runSampleAdd},
-      {"sample list", "List the queue, the oldest sample first", Sends::Never, {}, runSampleList},
+      {"sample list", "List the queue, oldest sample first", Sends::Never, {}, runSampleList},
       {"sample next", "Show the oldest sample of the queue", Sends::Never, {}, runSampleNext},
       {"sample remove",
        "Remove the oldest sample of a book from the queue",
@@ -147,17 +152,17 @@ std::vector<Command> sampleCommands() {
        {book},
        runSampleRemove},
       {"sample info",
-       "Ask a store for title, author, price and picture of a book",
+       "Show title, author, price and picture of a book",
        Sends::Always,
        {book, storeOption()},
        runSampleInfo},
       {"sample price",
-       "Ask a store for the price of a book",
+       "Show the price of a book",
        Sends::Always,
        {book, storeOption()},
        runSamplePrice},
       {"sample work",
-       "Work the queue through, as the background application does",
+       "Process the queue, as the background application does",
        Sends::Always,
        {},
        runSampleWork},
@@ -167,7 +172,7 @@ std::vector<Command> sampleCommands() {
 std::vector<Command> shellCommands() {
   return {
       {"completion",
-       "Print the script with which a shell completes these commands and their options",
+       "Print a shell's completion script for these commands",
        Sends::Never,
        {requiredChoice("SHELL", "SHELL", {"bash", "zsh", "fish"}, "The shell")},
        runCompletion},
@@ -195,19 +200,19 @@ const std::vector<Option>& commonOptions() {
       flag("--json", "Print one JSON document with a schema number instead of a table"),
       {"--verbose", "-v", "", {}, false, "Show the library's log"},
       flag("--show-secrets", "Show tokens and passwords instead of masking them"),
-      flag("--dry-run", "Send nothing and change nothing; goes with --curl"),
-      flag("--curl", "Print the request as a curl command; goes with --dry-run"),
+      flag("--dry-run", "Send nothing and change nothing; requires --curl"),
+      flag("--curl", "Print the request as a curl command; requires --dry-run"),
   };
   return options;
 }
 
 const Option& helpOption() {
-  static const Option option = {"--help", "-h", "", {}, false, "Print this help and end"};
+  static const Option option = {"--help", "-h", "", {}, false, "Print this help and exit"};
   return option;
 }
 
 const Option& versionOption() {
-  static const Option option = flag("--version", "Print the version and end");
+  static const Option option = flag("--version", "Print the version and exit");
   return option;
 }
 

@@ -11,7 +11,7 @@ namespace bookstore {
 
 namespace {
 
-// --- What all shells ask of the table ------------------------------------------------------------
+// --- What all shells need from the table ---------------------------------------------------------
 
 bool isPositional(const Option& option) {
   return option.name.front() != '-';
@@ -44,7 +44,7 @@ std::vector<std::string> namesOf(const Option& option) {
                                   : std::vector<std::string>{option.shortName, option.name};
 }
 
-// The commands below `group`; the program's own for an empty text.
+// The commands of `group`; those of the program itself if it is empty.
 std::vector<Command> commandsIn(const std::string& group, const std::vector<Command>& table) {
   std::vector<Command> found;
   std::copy_if(table.begin(), table.end(), std::back_inserter(found),
@@ -87,7 +87,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-// One word of bash and zsh.
+// A quoted word of bash and zsh.
 std::string quoted(const std::string& text) {
   return "'" + replaced(text, "'", "'\\''") + "'";
 }
@@ -107,20 +107,20 @@ std::string bashCase(const std::string& pattern, const std::string& statement) {
   return "    " + pattern + ") " + statement + " ;;\n";
 }
 
-// What may follow `name`, the program itself for an empty text, where no value is due.
+// What can follow `name` (the program itself if empty) where no value is expected.
 std::string bashWords(const std::string& name, const std::vector<Option>& options,
                       const std::vector<Command>& table) {
   std::vector<std::string> words = wordsOf(commandsIn(name, table));
-  bool isFileDue = false;
+  bool takesFiles = false;
   for (const Option& option : options) {
     append(isPositional(option) ? option.choices : namesOf(option), &words);
-    isFileDue = isFileDue || (isPositional(option) && takesFile(option));
+    takesFiles = takesFiles || (isPositional(option) && takesFile(option));
   }
   return bashCase(quoted(name),
-                  "words=" + quoted(joined(words, " ")) + (isFileDue ? "; files=yes" : ""));
+                  "words=" + quoted(joined(words, " ")) + (takesFiles ? "; files=yes" : ""));
 }
 
-// What may follow the options of a command that take a value.
+// What can follow the options of a command that take a value.
 std::string bashValues(const Command& command) {
   std::string cases;
   for (const Option& option : optionsOf(command)) {
@@ -171,7 +171,7 @@ std::string zshArguments(const std::vector<Option>& options) {
   return lines;
 }
 
-// The program or a group: completes a command, and leaves the rest to the function of that.
+// The program or a group: completes a command, and calls the command's function for the rest.
 std::string zshGroup(const std::string& name, const std::vector<Option>& options,
                      const std::vector<Command>& table) {
   std::string commands;

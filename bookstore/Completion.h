@@ -1,4 +1,4 @@
-// The scripts with which shells complete the program's commands and options, made from its table.
+// The scripts that complete the program's commands and options in a shell, made from its table.
 // Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_COMPLETION_H_
@@ -11,8 +11,8 @@
 
 namespace bookstore {
 
-// Each completes the commands, the options of every command, the choices of an option or argument
-// that has some, and files where the value is called FILE.
+// Each script completes the commands, the options of every command, the choices of an option or
+// argument, and files for a value named FILE.
 std::string bashCompletion(const std::vector<Command>& table);
 std::string zshCompletion(const std::vector<Command>& table);
 std::string fishCompletion(const std::vector<Command>& table);

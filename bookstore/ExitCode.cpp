@@ -5,11 +5,11 @@ namespace bookstore {
 const std::vector<ExitStatus>& exitStatuses() {
   static const std::vector<ExitStatus> all = {
       {kDone, "done"},
-      {kStoreRefused, "the store answered with an error"},
+      {kStoreRefused, "the store returned an error"},
       {kUsage, "wrong usage"},
-      {kTransferFailed, "the transfer failed"},
+      {kTransferFailed, "the HTTP exchange failed"},
       {kBadStatus, "the HTTP status was not 200"},
-      {kNoData, "the answer lacked the expected data"},
+      {kNoData, "the response lacks the expected data"},
       {kNoSession, "not signed in, no store, or no sample"},
       {kLocalFailure, "a local file, the queue or the output failed"},
   };

@@ -1,4 +1,4 @@
-// How the program ends. Holds no state; safe from any thread.
+// The exit codes of the program. Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_EXITCODE_H_
 #define BOOKSTORE_EXITCODE_H_
@@ -23,7 +23,7 @@ struct ExitStatus {
   const char* meaning;  // in a few words, for --help
 };
 
-// Every exit code, in their order.
+// Every exit code, in order.
 const std::vector<ExitStatus>& exitStatuses();
 
 }  // namespace bookstore

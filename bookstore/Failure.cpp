@@ -9,8 +9,11 @@ namespace bookstore {
 
 namespace {
 
-// A result of the host's HTTP runner, in words. Numbers below 100 are libcurl's, the others the
-// host's own.
+const char kRefreshStores[] = "Run \"bookstore stores --refresh\"";
+const char kRunAgain[] = "Run the command again";
+const char kUseHttp1[] = "Run the command again, or set ORVANE_HTTP_VERSION=1.1";
+
+// A result of the HTTP runner, in words. Numbers below 100 are libcurl's.
 struct TransferReason {
   int result;
   const char* what;
@@ -18,38 +21,37 @@ struct TransferReason {
 };
 
 const TransferReason kTransferReasons[] = {
-    {1, "this is no https address", "fetch the addresses anew: bookstore stores --refresh"},
-    {3, "this is no valid address", "fetch the addresses anew: bookstore stores --refresh"},
-    {6, "the server's name is not known",
-     "check the network, or name another server in ORVANE_CONNECT_TO"},
+    {1, "not an https URL", kRefreshStores},
+    {3, "not a valid URL", kRefreshStores},
+    {6, "the server's name cannot be resolved",
+     "Check the network, or name another server in ORVANE_CONNECT_TO"},
     {7, "no connection to the server",
-     "see whether the store is running, and whether ORVANE_CONNECT_TO leads there"},
-    {16, "the HTTP/2 connection broke", "run it again, or set ORVANE_HTTP_VERSION=1.1"},
-    {18, "the answer was cut short", "run it again"},
-    {28, "the server took too long", "run it again, or raise ORVANE_CONNECT_TIMEOUT"},
-    {35, "no TLS connection", "see whether an https server listens there"},
-    {49, "ORVANE_CONNECT_TO cannot be read", "set it to HOST:PORT:TO-HOST:TO-PORT"},
-    {52, "the server closed the connection without an answer", "run it again"},
-    {56, "the connection broke before the answer was complete", "run it again"},
-    {58, "the file of authorities cannot be used", "set ORVANE_CA_FILE to a file in PEM form"},
+     "Check that the store is running and that ORVANE_CONNECT_TO leads to it"},
+    {16, "the HTTP/2 connection broke", kUseHttp1},
+    {18, "the response was cut short", kRunAgain},
+    {28, "the server took too long", "Run the command again, or raise ORVANE_CONNECT_TIMEOUT"},
+    {35, "no TLS connection", "Check that an https server listens there"},
+    {49, "ORVANE_CONNECT_TO is not valid", "Set ORVANE_CONNECT_TO to HOST:PORT:TO-HOST:TO-PORT"},
+    {52, "the server closed the connection without a response", kRunAgain},
+    {56, "the connection broke before the response was complete", kRunAgain},
+    {58, "the CA certificates cannot be used", "Set ORVANE_CA_FILE to a file in PEM format"},
     {60, "the server's certificate is not trusted",
-     "set ORVANE_CA_FILE to the certificate of the authority that signed it"},
-    {61, "the answer is compressed in an unknown way", "see whether a store answers there"},
-    {77, "the file of authorities cannot be read",
-     "set ORVANE_CA_FILE to a readable file in PEM form"},
-    {90, "the server's public key is not the pinned one", "check the key in ORVANE_PINNED_KEY"},
-    {92, "the HTTP/2 stream broke", "run it again, or set ORVANE_HTTP_VERSION=1.1"},
-    {base::kMethodRefused, "the request's method is refused", "report this defect"},
-    {base::kUrlRefused, "this address holds a NUL",
-     "fetch the addresses anew: bookstore stores --refresh"},
-    {base::kHeaderRefused, "a request header would hold a line end",
-     "fetch the stores anew: bookstore stores --refresh"},
-    {base::kResponseTooLarge, "the answer is too large",
-     "raise ORVANE_MAX_ANSWER_BYTES if that much is expected"},
+     "Set ORVANE_CA_FILE to the certificate of the CA that signed it"},
+    {61, "the response has an unknown content encoding", "Check that a store listens there"},
+    {77, "the CA certificates cannot be read",
+     "Set ORVANE_CA_FILE to a readable file in PEM format"},
+    {90, "the server's public key is not the pinned one", "Correct the key in ORVANE_PINNED_KEY"},
+    {92, "the HTTP/2 stream broke", kUseHttp1},
+    {base::kMethodRefused, "the request's method is not valid", "Report this defect"},
+    {base::kUrlRefused, "the URL contains a NUL", kRefreshStores},
+    {base::kHeaderRefused, "a request header contains a line end", kRefreshStores},
+    {base::kResponseTooLarge, "the response is too large",
+     "Raise ORVANE_MAX_ANSWER_BYTES if a response of that size is expected"},
 };
 
 const TransferReason kUnknownReason = {
-    0, "an unusual failure", "look the number up in `man libcurl-errors`, or run it again with -v"};
+    0, "an unusual failure",
+    "Look up the number in \"man libcurl-errors\", or run the command again with -v"};
 
 const TransferReason& reasonOf(int result) {
   const auto found =
@@ -69,15 +71,18 @@ Failure::Failure(ExitCode code, const std::string& what, const std::string& reme
 
 Failure transferFailure(int result, int status, const std::string& url) {
   if (result == 0) {
-    return Failure(kBadStatus,
-                   url + " answered with HTTP status " + std::to_string(status) + ", not 200",
-                   "see whether a store answers there, or run it again later");
+    return Failure(kBadStatus, url + " returned HTTP status " + std::to_string(status),
+                   "Check that a store listens there, or run the command again later");
   }
   const TransferReason& reason = reasonOf(result);
   return Failure(
       kTransferFailed,
-      "the transfer to " + url + " failed: " + reason.what + " (" + std::to_string(result) + ")",
+      "the request to " + url + " failed: " + reason.what + " (" + std::to_string(result) + ")",
       reason.remedy);
+}
+
+std::string withServerWords(const std::string& what, const std::string& words) {
+  return what + (words.empty() ? " without a reason" : " (" + words + ")");
 }
 
 void throwIfFailed(const graphql::GraphQLStorageApi::ErrorInfo& info, const std::string& url) {
@@ -87,8 +92,9 @@ void throwIfFailed(const graphql::GraphQLStorageApi::ErrorInfo& info, const std:
                                   : transferFailure(info.code, 0, url);
   }
   if (info.error != 0) {
-    throw Failure(kStoreRefused, url + " answered with an error: " + info.message,
-                  "mend what the store names, or run it again with -v to see the answer");
+    throw Failure(kStoreRefused, withServerWords(url + " refused the request", info.message),
+                  "Correct what the store names, or run the command again with -v to see the "
+                  "response");
   }
 }
 

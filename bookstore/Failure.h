@@ -1,4 +1,4 @@
-// Why a command could not do its job, and the places where foreign codes become such a reason.
+// Why a command failed, and where the codes of library and runner become such a reason.
 // Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_FAILURE_H_
@@ -12,10 +12,11 @@
 
 namespace bookstore {
 
-// Thrown by whoever finds the reason; run() prints it and ends the program with its code.
+// Thrown where the reason is found; run() prints it and ends the program with its code.
 class Failure : public std::runtime_error {
  public:
-  // `what` says what failed and where, `remedy` what to try: one clause each, without a full stop.
+  // `what` says what went wrong, beginning in lower case; `remedy` is a sentence that says what the
+  // person can do. Both without a full stop.
   Failure(ExitCode code, const std::string& what, const std::string& remedy);
 
   ExitCode code() const { return code_; }
@@ -26,12 +27,14 @@ class Failure : public std::runtime_error {
   std::string remedy_;
 };
 
-// What the library's error callback was told of the request to `url`: the runner's result, or, when
-// that is 0, an HTTP status other than 200.
+// The failure that the library's error callback reports for the request to `url`: the runner's
+// result or, when that is 0, an HTTP status other than 200.
 Failure transferFailure(int result, int status, const std::string& url);
 
-// What the record of an operation on `url` says. Does nothing when it tells of no error; otherwise
-// throws a Failure.
+// `what`, followed by the server's own words in parentheses, if there are any.
+std::string withServerWords(const std::string& what, const std::string& words);
+
+// Throws a Failure when the record of an operation on `url` reports an error.
 void throwIfFailed(const graphql::GraphQLStorageApi::ErrorInfo& info, const std::string& url);
 
 }  // namespace bookstore

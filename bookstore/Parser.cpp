@@ -43,7 +43,7 @@ CLI::App* addCommand(CLI::App* program, const Command& command) {
                                 command.description);
 }
 
-// What CLI11 keeps of one row of the table.
+// One row of the table as CLI11 parsed it.
 struct ParsedRow {
   const CLI::App* app = nullptr;
   Arguments arguments;
@@ -68,11 +68,11 @@ std::string footer() {
     statuses.addRow({"  " + std::to_string(status.code), status.meaning});
   }
   Table environment;
-  environment.addRow({"  NO_COLOR", "set to anything: no colour"});
+  environment.addRow({"  NO_COLOR", "if set to any value, no colour"});
   for (const base::Setting& setting : base::allSettings()) {
     environment.addRow({std::string("  ") + setting.name, setting.meaning});
   }
-  return "Each command takes --help, which lists its options.\n\nExit status:\n" +
+  return "Every command has --help, which lists its options.\n\nExit status:\n" +
          statuses.text(false) + "\nEnvironment:\n" + environment.text(false);
 }
 
@@ -82,13 +82,13 @@ Failure usageFailure(const CLI::App& program, const std::string& what) {
     app = app->get_subcommands().front();
     command += " " + app->get_name();
   }
-  return Failure(kUsage, what, command + " --help");
+  return Failure(kUsage, what, "Run \"" + command + " --help\"");
 }
 
 }  // namespace
 
 Invocation parse(const std::vector<std::string>& words, const std::vector<Command>& table) {
-  CLI::App program("Drives the book store library by hand.", "bookstore");
+  CLI::App program("Calls the book store library from the command line.", "bookstore");
   program.set_help_flag(namesOf(helpOption()), helpOption().description);
   program.set_version_flag(namesOf(versionOption()), "bookstore " BOOKSTORE_VERSION,
                            versionOption().description);

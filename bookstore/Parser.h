@@ -1,5 +1,5 @@
-// From the words on the command line to a command and its arguments. Holds no state; safe from any
-// thread.
+// Parses the words of the command line into a command and its arguments. Holds no state; safe from
+// any thread.
 
 #ifndef BOOKSTORE_PARSER_H_
 #define BOOKSTORE_PARSER_H_
@@ -12,13 +12,13 @@
 namespace bookstore {
 
 struct Invocation {
-  std::string text;                  // help or version: to be printed instead of running a command
-  const Command* command = nullptr;  // null where there is a text
+  std::string text;                  // help or version, to print instead of running a command
+  const Command* command = nullptr;  // null if there is a text
   Arguments arguments;
 };
 
-// Reads `words`, without the program's name, by the rows of `table`, which must outlive the result.
-// Throws Failure with kUsage for words that fit no row.
+// Parses `words`, without the program's name, by the rows of `table`, which must outlive the
+// result. Throws Failure with kUsage for words that match no row.
 Invocation parse(const std::vector<std::string>& words, const std::vector<Command>& table);
 
 }  // namespace bookstore

@@ -33,13 +33,14 @@ void changeSetting(const base::Setting& setting, const std::string& value) {
   ::setenv(setting.name, value.c_str(), 1);
 }
 
-// The person's own settings stand where they ask for more.
+// A setting that asks for more than the option does is unchanged.
 void adjustLog(const Arguments& arguments) {
   const long long level = base::number(base::settings::kLogLevel, 0, 9);
   if (arguments.has("--verbose") && level < base::kLogInformation) {
     changeSetting(base::settings::kLogLevel, std::to_string(base::kLogInformation));
   } else if (base::text(base::settings::kLogLevel) != std::to_string(level)) {
-    // Its fault has been reported; the platform, which reads it again, need not repeat that.
+    // The value is not valid, which has been reported. The platform reads the setting again, and
+    // must not report it again.
     changeSetting(base::settings::kLogLevel, std::to_string(level));
   }
   if (arguments.has("--show-secrets")) {
@@ -49,9 +50,9 @@ void adjustLog(const Arguments& arguments) {
 
 void checkDryRun(const Command& command, const Arguments& arguments) {
   const bool isDryRun = arguments.has("--dry-run");
-  const std::string help = "bookstore " + command.name + " --help";
   if (isDryRun != arguments.has("--curl")) {
-    throw Failure(kUsage, "--dry-run and --curl go together", "give both or neither; " + help);
+    throw Failure(kUsage, "--dry-run and --curl must be used together",
+                  "Add the other option, or omit both");
   }
   if (!isDryRun) {
     return;
@@ -61,14 +62,13 @@ void checkDryRun(const Command& command, const Arguments& arguments) {
       return;
     case Sends::WithRefresh:
       if (!arguments.has("--refresh")) {
-        throw Failure(
-            kUsage, "'" + command.name + "' sends no request to show: it only does with --refresh",
-            "add --refresh, or leave out --dry-run --curl");
+        throw Failure(kUsage, "\"" + command.name + "\" sends a request only with --refresh",
+                      "Add --refresh, or omit --dry-run and --curl");
       }
       return;
     case Sends::Never:
-      throw Failure(kUsage, "'" + command.name + "' sends no request to show",
-                    "leave out --dry-run --curl");
+      throw Failure(kUsage, "\"" + command.name + "\" sends no request",
+                    "Omit --dry-run and --curl");
   }
 }
 
@@ -111,17 +111,18 @@ void execute(const std::vector<std::string>& words, const std::vector<Command>& 
   errno = 0;
   if (!output->flush()) {
     const std::string reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
-    throw Failure(kLocalFailure, "standard output cannot be written" + reason,
-                  "see whether its reader is still there, or its disk full");
+    throw Failure(kLocalFailure, "cannot write to standard output" + reason,
+                  "Check that its reader is running, or free some space on its disk");
   }
 }
 
 Failure unexpectedFailure(const char* what) {
-  return Failure(kLocalFailure, std::string("unexpected failure: ") + what,
-                 "check the files below " + base::rootFolder() + ", or run it again with -v");
+  return Failure(
+      kLocalFailure, std::string("unexpected failure: ") + what,
+      "Check the files below " + base::rootFolder() + ", or run the command again with -v");
 }
 
-// Turns what is in flight into a Failure: the one place that knows all kinds of exceptions.
+// The Failure for the current exception: the only place that knows all kinds of exceptions.
 Failure currentFailure() {
   try {
     throw;
@@ -129,8 +130,8 @@ Failure currentFailure() {
     return failure;
   } catch (const Json::Exception& exception) {
     return Failure(kNoData,
-                   std::string("the store's answer holds what cannot be read: ") + exception.what(),
-                   "run it again with -v to see the answer");
+                   withServerWords("the store's response cannot be read", exception.what()),
+                   "Run the command again with -v to see the response");
   } catch (const std::exception& exception) {
     return unexpectedFailure(exception.what());
   } catch (...) {

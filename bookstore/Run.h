@@ -1,6 +1,6 @@
 // The program as a function. A process runs it on one thread at a time: --verbose, --show-secrets
-// and --dry-run hold for the process while it runs, the first two as settings in the environment
-// also afterwards.
+// and --dry-run apply to the whole process. The first two are settings in the environment, and stay
+// set afterwards.
 
 #ifndef BOOKSTORE_RUN_H_
 #define BOOKSTORE_RUN_H_
@@ -14,7 +14,7 @@
 namespace bookstore {
 
 // Runs the command that `words` (without the program's name) ask for, and returns the exit code.
-// Throws nothing but for want of memory while it reports a failure.
+// Throws only std::bad_alloc, while it reports a failure.
 int run(const std::vector<std::string>& words, const Terminal& terminal,
         const std::vector<Command>& table = commands());
 

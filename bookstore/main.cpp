@@ -8,7 +8,7 @@
 
 int main(int argc, char** argv) {
   bookstore::occupyStandardStreams();
-  std::signal(SIGPIPE, SIG_IGN);  // a reader that is gone is an error of the write
+  std::signal(SIGPIPE, SIG_IGN);  // write() then fails when the reader has gone
   const bookstore::Terminal terminal = {std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1,
                                         ::isatty(STDERR_FILENO) == 1};
   return bookstore::run({argv + 1, argv + argc}, terminal);

@@ -1,4 +1,4 @@
-// How long to wait before another attempt. Used by one thread.
+// The waits between attempts. Used by one thread.
 
 #ifndef SAMPLE_APP_BACKOFF_H_
 #define SAMPLE_APP_BACKOFF_H_
@@ -12,10 +12,10 @@ class Backoff {
   // `first` is the first wait; each next one is twice as long, up to 60 times the first.
   explicit Backoff(std::chrono::milliseconds first);
 
-  // The wait that is due now.
+  // The next wait.
   std::chrono::milliseconds next();
 
-  // After a success: begins with the first wait again.
+  // After a success: starts again with the first wait.
   void reset();
 
  private:

@@ -50,11 +50,11 @@ void keepSmall(const std::string& path) {
   }
 }
 
-// One write, so that a process that is killed leaves the line or none of it.
+// One write, so that a process that is killed leaves the whole line or nothing.
 bool append(const std::string& path, const std::string& line) {
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC;
   base::Descriptor file(::open(path.c_str(), flags, 0600));
-  errno = file.isOpen() ? ENOSPC : errno;  // a write that comes short sets none
+  errno = file.isOpen() ? ENOSPC : errno;  // an incomplete write sets no errno
   return file.isOpen() &&
          ::write(file.get(), line.data(), line.size()) == static_cast<ssize_t>(line.size()) &&
          ::fsync(file.get()) == 0 && file.close();

@@ -29,7 +29,7 @@ std::optional<SampleItem> oldestItem() {
   if (!item.bookId.empty() || !item.sampleFilePath.empty()) {
     return item;
   }
-  // Two empty texts stand for an empty queue, but can also be an item of it.
+  // The library returns two empty texts for an empty queue, but they can also be an item.
   const std::vector<SampleItem> all = LockedQueue().items();
   return all.empty() ? std::nullopt : std::optional<SampleItem>(all.front());
 }

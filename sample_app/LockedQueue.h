@@ -1,4 +1,4 @@
-// The queue of samples with its lock held. Used by one thread.
+// The queue of samples, locked. Used by one thread.
 
 #ifndef SAMPLE_APP_LOCKEDQUEUE_H_
 #define SAMPLE_APP_LOCKEDQUEUE_H_
@@ -14,7 +14,7 @@ using SampleItem = graphql::GraphQLSampleQueue::SampleItem;
 
 bool isSame(const SampleItem& one, const SampleItem& other);
 
-// Holds the lock while it lives. Meanwhile another object of this process would wait for ever.
+// Has the lock while it lives. Another object of this process would wait forever.
 class LockedQueue {
  public:
   // Waits for the lock.
@@ -23,14 +23,14 @@ class LockedQueue {
   LockedQueue(const LockedQueue&) = delete;
   LockedQueue& operator=(const LockedQueue&) = delete;
 
-  // False when the lock cannot be had, which the library has logged.
+  // False if locking failed, which the library has logged.
   bool isHeld() const { return isHeld_; }
 
   // Every item, oldest first.
   std::vector<SampleItem> items();
 
-  // Makes `items` the content of the queue. False when it does not hold them afterwards: the
-  // library does not tell whether it could write.
+  // Replaces the content of the queue by `items`. Returns false if the queue has other content
+  // afterwards: the library does not report whether it could write.
   bool replace(const std::vector<SampleItem>& items);
 
  private:
@@ -38,7 +38,7 @@ class LockedQueue {
   const bool isHeld_;
 };
 
-// The item that the library hands to a worker; nothing when the queue is empty. Takes the lock.
+// The item that the library gives to a worker; none if the queue is empty. Takes the lock.
 std::optional<SampleItem> oldestItem();
 
 }  // namespace sample_app

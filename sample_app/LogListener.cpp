@@ -22,10 +22,10 @@ void LogListener::setAside(const SampleItem& item, const std::string& reason) {
   postponedFor_.clear();
 }
 
-// Attempts can go on for days: only a new reason is worth a line.
+// Attempts can continue for days: only a new reason is logged.
 void LogListener::postponed(Obstacle, const std::string& reason) {
   if (reason != postponedFor_) {
-    BASE_LOG_FAILURE("The samples wait: %s; it is tried again", reason.c_str());
+    BASE_LOG_FAILURE("The samples stay in the queue: %s; retrying", reason.c_str());
     postponedFor_ = reason;
   }
 }

@@ -1,4 +1,4 @@
-// Tells the log why items were not done: for a worker that nobody watches. Used by one thread.
+// Logs why items were not processed, for a worker without a user interface. Used by one thread.
 
 #ifndef SAMPLE_APP_LOGLISTENER_H_
 #define SAMPLE_APP_LOGLISTENER_H_

@@ -12,8 +12,8 @@ std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-// A picture that is missing is null, and the next member tells why.
-void tellThumbnail(const Thumbnail& thumbnail, const std::string& file, Json::Value* document) {
+// Without a picture the member is null, and another member has the reason.
+void addThumbnail(const Thumbnail& thumbnail, const std::string& file, Json::Value* document) {
   if (thumbnail.isThere()) {
     (*document)["thumbnail"] = nameOf(file);
   } else {
@@ -48,7 +48,7 @@ base::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
                                 const Thumbnail& thumbnail) {
   const std::string picture = path + ".thumbnail." + thumbnail.extension;
   Json::Value document = documentOf(item, metadata);
-  tellThumbnail(thumbnail, picture, &document);
+  addThumbnail(thumbnail, picture, &document);
   base::FileFailure failure;
   if (thumbnail.isThere()) {
     failure = base::placeWholeFile(picture, thumbnail.bytes, base::Placing::Replace);

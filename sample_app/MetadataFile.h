@@ -1,4 +1,4 @@
-// The results for one sample: two files beside it. Used by the one worker.
+// The results for one sample: two files beside the sample file. Used by the one worker.
 
 #ifndef SAMPLE_APP_METADATAFILE_H_
 #define SAMPLE_APP_METADATAFILE_H_
@@ -12,9 +12,9 @@
 
 namespace sample_app {
 
-// Places the picture at `path`.thumbnail.<extension>, if there is one, and then the metadata as
-// JSON at `path`.json, each whole, on the disk and for its owner only. `path` is the sample file's
-// on this machine. Returns why it failed, if it did; what stood there before then stays.
+// Writes the picture, if there is one, to `path`.thumbnail.<extension>, and then the metadata as
+// JSON to `path`.json, each as a whole, on the disk and readable for its owner only. `path` is that
+// of the sample file on this machine. On a failure, which is returned, the old files are unchanged.
 base::FileFailure placeMetadata(const std::string& path, const SampleItem& item,
                                 const graphql::GraphQLApi::SampleMetadata& metadata,
                                 const Thumbnail& thumbnail);

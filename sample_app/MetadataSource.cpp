@@ -27,7 +27,7 @@ Lookup without(Outcome outcome, const std::string& reason) {
 
 Lookup unreadable(const Json::Exception& exception) {
   return without(Outcome::Unknown,
-                 std::string("the store's answer cannot be read: ") + exception.what());
+                 std::string("the store's response cannot be read: ") + exception.what());
 }
 
 }  // namespace
@@ -39,7 +39,7 @@ MetadataSource::MetadataSource(std::shared_ptr<GraphQLStorageApi> storage)
 
 Lookup MetadataSource::find(const std::string& bookId) {
   if (!base::isValidBookId(bookId)) {
-    return without(Outcome::Unknown, "the book's identifier is not one that a store gives");
+    return without(Outcome::Unknown, "no store has a book with this identifier");
   }
   storage_->reload();
   if (!isSignedIn()) {
@@ -64,7 +64,7 @@ Lookup MetadataSource::ask(const std::string& bookId) {
     }
     if (!metadata.uid.empty()) {
       return without(Outcome::Unknown,
-                     "the store answered with another book: " + base::visibleText(metadata.uid));
+                     "the store returned another book: " + base::visibleText(metadata.uid));
     }
     return failedStatus_ == 0 && metadata.error == GraphQLApi::BadResponse
                ? checkSession()
@@ -74,8 +74,8 @@ Lookup MetadataSource::ask(const std::string& bookId) {
   }
 }
 
-// An older server takes a token that has expired for no token at all, and answers with status 200
-// as if there was no such book.
+// An older server ignores an expired token: it returns status 200 and no book. Only the customer's
+// profile shows whether the session has expired.
 Lookup MetadataSource::checkSession() {
   GraphQLStorageApi::UserInfo customer;
   const GraphQLApi::ApiError error = api_.userInfo(storage_->currentStore(), &customer);
@@ -92,10 +92,10 @@ std::optional<Lookup> MetadataSource::refresh(const std::string& refusedToken) {
   }
   storage_->reload();
   if (storage_->accessToken() != refusedToken && isSignedIn()) {
-    return std::nullopt;  // another program was faster
+    return std::nullopt;  // another program has refreshed the tokens
   }
   if (!isSignedIn() || storage_->refreshToken().empty()) {
-    return without(Outcome::SignedOut, "the session has ended");
+    return without(Outcome::SignedOut, "the session has expired");
   }
   const GraphQLStorageApi::LoginInfo login =
       api_.refreshTokens(storage_->currentStore(), storage_->refreshToken());
@@ -110,7 +110,7 @@ bool MetadataSource::isSignedIn() const {
   return storage_->isLoggedIn() && storage_->currentStore().isValid();
 }
 
-// What the failure of an operation on the session means.
+// What a failed operation with the session means.
 Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
   if (error == GraphQLApi::NetworkError) {
     return without(Outcome::Unreachable, "the store cannot be reached");
@@ -119,7 +119,7 @@ Lookup MetadataSource::failure(GraphQLApi::ApiError error) const {
     return without(Outcome::SignedOut, "the store refuses the session");
   }
   return without(Outcome::ServerError,
-                 "the store answers with status " + std::to_string(failedStatus_));
+                 "the store returns HTTP status " + std::to_string(failedStatus_));
 }
 
 }  // namespace sample_app

@@ -1,5 +1,4 @@
-// The current store as the source of metadata, with the customer's session behind it. Used by one
-// thread.
+// Fetches metadata from the current store with the customer's session. Used by one thread.
 
 #ifndef SAMPLE_APP_METADATASOURCE_H_
 #define SAMPLE_APP_METADATASOURCE_H_
@@ -17,16 +16,16 @@ class MetadataSource {
  public:
   enum class Outcome {
     Found,
-    Unknown,      // the store has no such book: asking again is of no use
-    Unreachable,  // no network: later it may work
-    ServerError,  // the server answers with another status: later it may work
-    LockFailed,   // the session's lock cannot be taken
-    SignedOut,    // nobody is signed in, or the session has ended
+    Unknown,      // the store has no such book: a retry does not help
+    Unreachable,  // no network: a retry may help
+    ServerError,  // the server returns another status: a retry may help
+    LockFailed,   // the session cannot be locked
+    SignedOut,    // nobody is signed in, or the session has expired
   };
 
   struct Lookup {
     Outcome outcome;
-    std::string reason;  // why it is not Found; for people
+    std::string reason;  // why the outcome is not Found; for people
     graphql::GraphQLApi::SampleMetadata metadata;
   };
 
@@ -35,9 +34,9 @@ class MetadataSource {
   MetadataSource(const MetadataSource&) = delete;
   MetadataSource& operator=(const MetadataSource&) = delete;
 
-  // Asks the current store for the book `bookId`, with the session as other programs left it. A
-  // token that is refused is refreshed once, and the new ones are saved; meanwhile programs that
-  // keep to the lock of the session wait.
+  // Requests the book `bookId` from the current store, with the session that is saved now. If the
+  // store refuses the access token, refreshes the tokens once and saves them. The session is locked
+  // during the refresh.
   Lookup find(const std::string& bookId);
 
  private:
@@ -49,7 +48,7 @@ class MetadataSource {
 
   const std::shared_ptr<graphql::GraphQLStorageApi> storage_;
   graphql::GraphQLApi api_;
-  int failedStatus_ = 0;  // of the last request; 0 when it was 200 or none arrived
+  int failedStatus_ = 0;  // of the last request; 0 if it was 200 or no response arrived
 };
 
 }  // namespace sample_app

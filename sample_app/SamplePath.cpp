@@ -16,7 +16,7 @@ SamplePath unusable(const std::string& problem) {
   return {"", problem};
 }
 
-bool holdsStepUp(const fs::path& path) {
+bool containsDotDot(const fs::path& path) {
   return std::find(path.begin(), path.end(), fs::path("..")) != path.end();
 }
 
@@ -30,10 +30,10 @@ SamplePath locateSample(const std::string& devicePath) {
   const fs::path wanted(devicePath);
   const std::string name = wanted.filename().string();
   if (devicePath.compare(0, 1, "/") != 0 || devicePath.find('\0') != std::string::npos) {
-    return unusable("the path of the sample file is not an absolute one");
+    return unusable("the path of the sample file is not absolute");
   }
-  if (holdsStepUp(wanted)) {
-    return unusable("the path of the sample file holds '..'");
+  if (containsDotDot(wanted)) {
+    return unusable("the path of the sample file contains '..'");
   }
   if (name.empty() || name == ".") {
     return unusable("the path of the sample file names a folder");
@@ -47,7 +47,7 @@ SamplePath locateSample(const std::string& devicePath) {
     return unusable("the folder of the sample file cannot be used: " + error.message());
   }
   if (!isBelow(folder, root)) {
-    return unusable("the folder of the sample file lies outside the root folder");
+    return unusable("the folder of the sample file is outside the root folder");
   }
   return {(folder / name).string(), ""};
 }

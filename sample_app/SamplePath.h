@@ -1,4 +1,4 @@
-// Where the results for a sample go. Holds no state; safe from any thread.
+// Finds the place for the results of a sample. Holds no state; safe from any thread.
 
 #ifndef SAMPLE_APP_SAMPLEPATH_H_
 #define SAMPLE_APP_SAMPLEPATH_H_
@@ -7,7 +7,7 @@
 
 namespace sample_app {
 
-// A place on this machine, or why there is none.
+// A path on this machine, or the problem with it.
 struct SamplePath {
   std::string path;     // of the sample file, absolute and without symbolic links in its folder
   std::string problem;  // empty: none
@@ -15,9 +15,9 @@ struct SamplePath {
   bool isUsable() const { return problem.empty(); }
 };
 
-// Where the sample file with the device path `devicePath` lives. Not usable is one that is not
-// absolute, names no file, holds ".." or a NUL, or whose folder is missing or lies, through a
-// symbolic link, outside the root.
+// The path on this machine of the sample file with the device path `devicePath`. A path is not
+// usable if it is not absolute, names a folder, or contains ".." or a NUL, or if its folder is
+// missing or, through a symbolic link, outside the root folder.
 SamplePath locateSample(const std::string& devicePath);
 
 }  // namespace sample_app

@@ -7,8 +7,8 @@ namespace sample_app {
 namespace {
 
 const base::Setting kIdle = {"SAMPLE_APP_IDLE", "5000",
-                             "milliseconds that the queue stays empty before the application "
-                             "leaves"};
+                             "milliseconds that the queue is empty before the application "
+                             "exits"};
 const base::Setting kFirstWait = {"SAMPLE_APP_FIRST_WAIT", "1000",
                                   "milliseconds to wait after the first failed attempt"};
 constexpr long long kOneHour = 3600000;

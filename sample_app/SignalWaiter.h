@@ -1,4 +1,5 @@
-// Waiting that signals cut short. Used by the main thread, and made before any other thread is.
+// Waits until a time has passed or a signal arrives. For the main thread; constructed before any
+// other thread starts.
 
 #ifndef SAMPLE_APP_SIGNALWAITER_H_
 #define SAMPLE_APP_SIGNALWAITER_H_
@@ -12,8 +13,7 @@ namespace sample_app {
 
 class SignalWaiter : public Waiter {
  public:
-  // Keeps `signals` from interrupting anything: only wait() looks for them. They take effect when
-  // the object is destroyed.
+  // Blocks `signals`: only wait() notices them. They take effect when the object is destroyed.
   explicit SignalWaiter(const std::vector<int>& signals);
 
   bool wait(std::chrono::milliseconds time) override;

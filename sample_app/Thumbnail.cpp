@@ -35,7 +35,7 @@ bool holdsAt(const std::string& bytes, std::size_t position, const std::string& 
   return bytes.size() >= position && bytes.compare(position, text.size(), text) == 0;
 }
 
-// Empty for what is no picture.
+// Empty if the bytes are not a picture.
 std::string extensionOf(const std::string& bytes) {
   if (holdsAt(bytes, 0, "\x89PNG\r\n\x1a\n")) {
     return "png";
@@ -68,7 +68,7 @@ Transfer transfer(const std::string& url) {
     done.bytes.append(data, length);
     return length;
   };
-  // This way to perform a request has no time limit of its own, and the other one no size limit.
+  // This overload of PerformRequest has no time limit, and the other one has no size limit.
   const auto end = std::chrono::steady_clock::now() + kLongestTransfer;
   const auto isInTime = [end](std::uint64_t, std::uint64_t) {
     return std::chrono::steady_clock::now() < end;
@@ -85,22 +85,22 @@ Thumbnail fetchThumbnail(const std::string& url) {
     return none("the store names no picture");
   }
   if (!isHttps(url)) {
-    return none("the address of the picture is not an https one");
+    return none("the address of the picture is not an https URL");
   }
   Transfer done = transfer(url);
   if (done.isTooLarge) {
     return none("the picture is larger than " + std::to_string(kLargestThumbnail) + " bytes");
   }
   if (done.result != 0) {
-    return none("the transfer of the picture failed: " + std::to_string(done.result));
+    return none("the request for the picture failed: " + std::to_string(done.result));
   }
   if (done.status != base::kHttpOk) {
-    return none("the picture was answered with status " + std::to_string(done.status));
+    return none("the request for the picture returned HTTP status " + std::to_string(done.status));
   }
   Thumbnail thumbnail;
   thumbnail.extension = extensionOf(done.bytes);
   if (thumbnail.extension.empty()) {
-    return none("what came in place of the picture is none");
+    return none("the response is not a PNG, JPEG, GIF or WebP image");
   }
   thumbnail.bytes.swap(done.bytes);
   return thumbnail;

@@ -10,19 +10,18 @@ namespace sample_app {
 
 constexpr std::size_t kLargestThumbnail = 4UL * 1024 * 1024;
 
-// A picture, or why there is none.
+// A picture, or the problem with it.
 struct Thumbnail {
   std::string bytes;      // as the server sent them
-  std::string extension;  // what the bytes are, whatever their sender calls them: "png" and so on
+  std::string extension;  // detected from the bytes: "png", "jpg", "gif" or "webp"
   std::string problem;    // empty: none
 
   bool isThere() const { return problem.empty(); }
 };
 
-// Fetches the picture at `url`, which has to be an https one, without any credentials: it need not
-// be the store's own server. Waits at most 30 seconds, or a second longer. No picture is an answer
-// with another status than 200, a body larger than kLargestThumbnail, and one that is no PNG, JPEG,
-// GIF or WebP file.
+// Fetches the picture at `url`, which must be an https URL. Sends no credentials: the server may
+// not be the store's. Waits at most 30 or 31 seconds. It is a problem if the status is not 200, if
+// the body is larger than kLargestThumbnail, or if the body is not a PNG, JPEG, GIF or WebP image.
 Thumbnail fetchThumbnail(const std::string& url);
 
 }  // namespace sample_app

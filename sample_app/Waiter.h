@@ -1,4 +1,4 @@
-// Waiting that can be cut short. Used by one thread.
+// Waits that end early when the process is asked to end. Used by one thread.
 
 #ifndef SAMPLE_APP_WAITER_H_
 #define SAMPLE_APP_WAITER_H_
@@ -11,8 +11,8 @@ class Waiter {
  public:
   virtual ~Waiter() = default;
 
-  // Waits for `time`, which may be 0. True when it has passed; false, at once and from then on,
-  // when the process was asked to end.
+  // Waits for `time`, which may be 0, and returns true. Once the process has been asked to end,
+  // each call returns false immediately.
   virtual bool wait(std::chrono::milliseconds time) = 0;
 };
 

@@ -1,4 +1,4 @@
-// Who is told how a worker gets on. Called by the worker's thread.
+// Receives the progress of a worker. Called by the worker's thread.
 
 #ifndef SAMPLE_APP_WORKLISTENER_H_
 #define SAMPLE_APP_WORKLISTENER_H_
@@ -11,22 +11,22 @@
 
 namespace sample_app {
 
-// What another attempt may get around.
+// What can be different at the next attempt.
 enum class Obstacle {
   Network,
-  Server,  // it answers with another status
+  Server,  // it returns another status
   Files,   // on this machine
 };
 
-// Reasons are for people, and may hold what a server sent, made visible.
+// Reasons are for people. They can contain text of a server, with control characters escaped.
 class WorkListener {
  public:
   virtual ~WorkListener() = default;
 
-  // The work on `item`, the oldest of the queue, begins. The queue's lock is free.
+  // The work on `item`, the oldest of the queue, begins. The queue is not locked.
   virtual void begins(const SampleItem& item) = 0;
 
-  // The store knows the item's book; its picture and its files are next.
+  // The store has returned the item's book. Next are its picture and its files.
   virtual void found(const graphql::GraphQLApi::SampleMetadata& metadata) = 0;
 
   // The item has its files, and is removed.
@@ -36,10 +36,10 @@ class WorkListener {
   // The item is in the list of failures, and is removed.
   virtual void setAside(const SampleItem& item, const std::string& reason) = 0;
 
-  // The item stays, and may end well another time.
+  // The item stays in the queue; the next attempt may succeed.
   virtual void postponed(Obstacle obstacle, const std::string& reason) = 0;
 
-  // The item stays: there is no session.
+  // The item stays in the queue: there is no session.
   virtual void signedOut(const std::string& reason) = 0;
 };
 

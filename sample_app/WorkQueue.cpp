@@ -27,7 +27,7 @@ bool failed(const char* what, const base::FileFailure& failure) {
   return false;
 }
 
-// The journal's items in the form of the queue file.
+// The items of the journal, which has the format of the queue file.
 Items parseJournal(const std::string& bytes) {
   GraphQLSampleQueue queue;
   std::istringstream in(bytes);
@@ -40,7 +40,7 @@ Items parseJournal(const std::string& bytes) {
   return items;
 }
 
-// `items` without those of `others`, each counted as often as it stands there.
+// `items` without `others`; an item that `others` contains twice is removed twice.
 Items without(Items items, const Items& others) {
   for (const SampleItem& other : others) {
     const auto found = std::find_if(items.begin(), items.end(),
@@ -58,7 +58,7 @@ void removeJournal() {
 
 bool rewrite(LockedQueue& queue, const Items& items) {
   if (!queue.replace(items)) {
-    BASE_LOG_FAILURE("The queue of samples could not be rewritten; see whether /tmp has room");
+    BASE_LOG_FAILURE("The queue of samples could not be rewritten; free some space in /tmp");
     return false;
   }
   return true;
@@ -108,8 +108,8 @@ bool WorkQueue::recover() {
 }
 
 bool WorkQueue::removeOldest(const SampleItem& item) {
-  // Not the library's removeSample(), which removes the first item of this book: when somebody else
-  // removed ours meanwhile, that would be another one.
+  // Not the library's removeSample(), which removes the first item of this book: if another program
+  // has already removed `item`, that is a different item.
   LockedQueue queue;
   if (!queue.isHeld()) {
     return false;  // logged by the library

@@ -1,4 +1,4 @@
-// The queue of samples as its one worker sees it. Used by one thread, of the process that holds the
+// The queue of samples for its one worker. Used by one thread of the process that has the
 // WorkerLock.
 
 #ifndef SAMPLE_APP_WORKQUEUE_H_
@@ -10,26 +10,26 @@
 
 namespace sample_app {
 
-// Where the items that are to stay are kept while the queue is rewritten, as a device path.
+// The device path of the journal, which contains the remaining items while the queue is rewritten.
 extern const char kJournalPath[];
 
-// Takes and removes items so that none is lost when the process is killed at any step. The queue
-// file itself cannot promise that: it is emptied and written anew. So what is to stay is put into a
-// journal first, which recover() puts back.
+// Removes items so that no other item is lost if the process is killed at any step. The library
+// empties the queue file and writes it again, so the remaining items are first saved in a journal,
+// from which recover() restores them.
 class WorkQueue {
  public:
-  // Puts back what a worker that was killed has taken out of the queue and not written again. What
-  // others added meanwhile follows. Does nothing without a journal. False, and logged, when that
-  // fails.
+  // Restores the items that a killed worker has removed from the queue and not written again,
+  // before those that were added later. Does nothing without a journal. Returns false, and logs, on
+  // failure.
   bool recover();
 
-  // Removes `item` if it is still the oldest: somebody else may have removed it. False, and logged,
-  // when the queue could not be rewritten; recover() is then due.
+  // Removes `item` if it is still the oldest: another program may have removed it. Returns false,
+  // and logs, if the queue could not be rewritten; then call recover().
   bool removeOldest(const SampleItem& item);
 
-  // True when the queue is empty. Its lock is then held until this object or the process is gone:
-  // whoever adds an item waits for it, and finds no task of the application any more. Also true
-  // when the queue cannot be locked: then nothing can be removed from it either.
+  // Returns true if the queue is empty, and keeps it locked until this object or the process ends:
+  // a program that adds an item waits, and then starts the application again. Also true if the
+  // queue cannot be locked: then no item can be removed either.
   bool closeIfEmpty();
 
  private:

@@ -16,8 +16,7 @@ namespace {
 constexpr std::chrono::milliseconds kLongestPoll(200);
 const char kNotRemoved[] = "the item cannot be removed from the queue";
 
-// What another attempt can get around, as against a name that is too long or a folder that is
-// read-only.
+// True if another attempt can succeed, unlike for a name that is too long or a read-only folder.
 bool isTemporary(int error) {
   return error == ENOSPC || error == EDQUOT || error == EIO || error == EMFILE || error == ENFILE ||
          error == ENOMEM;
@@ -96,7 +95,7 @@ Worker::Step Worker::work(const SampleItem& item) {
   return place(item, sample.path, lookup.metadata);
 }
 
-// An item leaves the queue in the last step: whatever came before is on the disk.
+// The item is removed last, when its files are on the disk.
 Worker::Step Worker::place(const SampleItem& item, const std::string& path,
                            const graphql::GraphQLApi::SampleMetadata& metadata) {
   listener_.found(metadata);

@@ -1,5 +1,5 @@
-// Works through the queue of samples: what the background application does. Used by one thread, of
-// the process that holds the WorkerLock.
+// Processes the queue of samples: the work of the background application. Used by one thread of the
+// process that has the WorkerLock.
 
 #ifndef SAMPLE_APP_WORKER_H_
 #define SAMPLE_APP_WORKER_H_
@@ -18,16 +18,16 @@
 
 namespace sample_app {
 
-// Each item ends in files beside its sample or in the list of failures, and only then leaves the
-// queue: a worker that is killed at any step loses none, but may have made an item's files already
-// when it is worked again.
+// An item is removed from the queue after its files, or its line in the list of failures, are
+// written. A worker that is killed at any step loses no item, but the next worker may write an
+// item's files again.
 class Worker {
  public:
   // How one step ended.
   enum class Step {
     Done,       // the item has its files, and is removed
-    SetAside,   // nothing can be made of the item; it is in the list of failures, and removed
-    Empty,      // there is no item
+    SetAside,   // the item cannot be processed; it is in the list of failures, and removed
+    Empty,      // the queue has no item
     Postponed,  // the item stays: no network, or files that cannot be written
     SignedOut,  // the item stays: nobody is signed in
   };
@@ -35,16 +35,16 @@ class Worker {
   // Why run() returned.
   enum class End { Drained, Postponed, SignedOut, Stopped };
 
-  // Keeps references to `waiter` and `listener`. `idle` is how long the queue has to stay empty
-  // before run() leaves, `firstWait` the first wait after a postponed item: without one run()
-  // leaves then.
+  // Keeps references to `waiter` and `listener`. `idle` is how long the queue has to be empty
+  // before run() returns. `firstWait` is the first wait after a postponed item; without it, run()
+  // returns after a postponed item.
   Worker(std::shared_ptr<graphql::GraphQLStorageApi> storage, Waiter& waiter,
          WorkListener& listener, std::chrono::milliseconds idle,
          std::optional<std::chrono::milliseconds> firstWait);
 
-  // Works until the queue stays empty, nobody is signed in, or the waiter says that the process
-  // shall end, which is looked at between the steps. After Drained the queue is locked until this
-  // object, or better the process, is gone: see WorkQueue::closeIfEmpty().
+  // Works until the queue stays empty, nobody is signed in, or the waiter says, between two steps,
+  // that the process must end. After Drained the queue is locked until this object or the process
+  // ends: see WorkQueue::closeIfEmpty().
   End run();
 
   // Works on the oldest item.

@@ -15,8 +15,8 @@ const char kWorkerLockPath[] = "/tmp/graphql_sample_metadata.lock";
 
 namespace {
 
-// Every user may read the file, which is enough for a lock. It is opened without O_CREAT where it
-// exists: in a sticky folder the system refuses that for the file of another user.
+// Every user can read the file, which is enough for a lock. An existing file is opened without
+// O_CREAT, which the system refuses in a sticky folder for another user's file.
 int openLockFile() {
   const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
   const int created = ::open(kWorkerLockPath, flags | O_CREAT | O_EXCL, 0644);
@@ -39,7 +39,7 @@ WorkerLock::State lock(int file) {
       return WorkerLock::State::Busy;
     }
   }
-  BASE_LOG_FAILURE("Cannot lock %s: %s; move away what stands there", kWorkerLockPath,
+  BASE_LOG_FAILURE("Cannot lock %s: %s; remove what is in its place", kWorkerLockPath,
                    std::strerror(errno));
   return WorkerLock::State::Failed;
 }

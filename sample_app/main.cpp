@@ -1,5 +1,5 @@
-// The application graphql_sample_metadata.app: starts by itself when a sample is added, and leaves
-// when the queue stays empty.
+// The application graphql_sample_metadata.app: the library starts it when a sample is added, and it
+// exits when the queue stays empty.
 
 #include <unistd.h>
 
@@ -25,7 +25,7 @@ int work() {
     case sample_app::WorkerLock::State::Held:
       break;
     case sample_app::WorkerLock::State::Busy:
-      return EXIT_SUCCESS;  // the other worker finds whatever was added
+      return EXIT_SUCCESS;  // the other worker finds the new items
     case sample_app::WorkerLock::State::Failed:
       return EXIT_FAILURE;
   }
@@ -33,8 +33,8 @@ int work() {
   sample_app::Worker worker(std::make_shared<graphql::GraphQLStorageApi>(), waiter, listener,
                             sample_app::idleTime(), sample_app::firstWait());
   worker.run();
-  // Now, with the lock of the drained queue: one that is dropped before the process is gone would
-  // let somebody add an item and take the application for running.
+  // Exits with the drained queue locked. If it were unlocked earlier, another program could add an
+  // item and find this application still running.
   ::_exit(EXIT_SUCCESS);
 }
 
@@ -44,7 +44,7 @@ int main() {
   try {
     return work();
   } catch (const std::exception& exception) {
-    BASE_LOG_FAILURE("The application of the samples ends: %s", exception.what());
+    BASE_LOG_FAILURE("The sample application failed: %s", exception.what());
     return EXIT_FAILURE;
   }
 }

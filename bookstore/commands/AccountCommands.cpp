@@ -40,12 +40,12 @@ void runEmailAvailable(Context& context) {
   const auto error = send(context, store.apiUrl,
                           [&] { return context.api.isEmailAvailable(store, email, &isAvailable); });
   if (error != GraphQLApi::Ok) {
-    // Which of the two it was is not for the library's callers to see.
+    // The library reports both in the same way.
     throw Failure(kNoData,
                   store.apiUrl +
-                      " answered with a status other than 200 or without a word"
-                      " about the address",
-                  "run it again with -v to see the answer");
+                      " returned an HTTP status other than 200, or a response"
+                      " without the expected data",
+                  "Run the command again with -v to see the response");
   }
 
   Json::Value document;
@@ -53,7 +53,8 @@ void runEmailAvailable(Context& context) {
   document["available"] = isAvailable;
   document["store"] = store.providerID;
   context.output.printResult(
-      email + (isAvailable ? " can be registered at " : " is taken at ") + nameOf(store), document);
+      email + (isAvailable ? " is available at " : " is already registered at ") + nameOf(store),
+      document);
 }
 
 void runResetPassword(Context& context) {
@@ -66,8 +67,8 @@ void runResetPassword(Context& context) {
   Json::Value document;
   document["email"] = email;
   document["store"] = store.providerID;
-  // No more: a refusal without a message looks the same to the library's callers.
-  context.output.printResult(nameOf(store) + " was asked to mail a link to " + email, document);
+  // Not "has emailed": the library reports a refusal without a message as a success.
+  context.output.printResult(nameOf(store) + " was asked to email a link to " + email, document);
 }
 
 }  // namespace bookstore

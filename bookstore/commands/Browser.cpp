@@ -28,17 +28,17 @@ namespace {
 
 using Wakeup = base::BlockedSignals::Wakeup;
 
-// What a browser reads commands from and writes answers to.
+// The descriptors from which a browser reads commands, and to which it writes responses.
 constexpr int kCommandsOfBrowser = 3;
-constexpr int kAnswersOfBrowser = 4;
+constexpr int kResponsesOfBrowser = 4;
 constexpr int kAboveThese = 10;
 
-constexpr std::chrono::seconds kAnswerTime(30);
+constexpr std::chrono::seconds kResponseTime(30);
 constexpr int kEndMilliseconds = 5000;
 
 Failure systemFailure(const std::string& what) {
   return Failure(kLocalFailure, what + ": " + std::generic_category().message(errno),
-                 "free some memory or space, and run it again");
+                 "Free some memory and disk space, and run the command again");
 }
 
 struct Pipe {
@@ -46,7 +46,7 @@ struct Pipe {
   int writeEnd;
 };
 
-// A descriptor with a higher number than the browser's two, in place of this one.
+// Replaces the descriptor with one whose number is higher than those of the browser.
 int raised(int descriptor) {
   const base::Descriptor low(descriptor);
   return ::fcntl(low.get(), F_DUPFD_CLOEXEC, kAboveThese);
@@ -55,7 +55,7 @@ int raised(int descriptor) {
 Pipe openPipe() {
   int ends[2] = {-1, -1};
   if (::pipe2(ends, O_CLOEXEC) != 0) {
-    throw systemFailure("no pipe to the browser");
+    throw systemFailure("cannot create a pipe to the browser");
   }
   return {raised(ends[0]), raised(ends[1])};
 }
@@ -63,18 +63,19 @@ Pipe openPipe() {
 std::string newFolder() {
   std::string path = (std::filesystem::temp_directory_path() / "bookstore-open-XXXXXX").string();
   if (::mkdtemp(&path[0]) == nullptr) {
-    throw systemFailure("no folder for the browser's profile");
+    throw systemFailure("cannot create a folder for the browser's profile");
   }
   return path;
 }
 
-// How the browser is started: its two ends, no noise on our streams, signals as they were.
+// How the browser is started: with its two pipes, without our standard streams, and with the
+// signals as they were.
 class SpawnSetting {
  public:
-  SpawnSetting(int commands, int answers, const sigset_t& mask) {
+  SpawnSetting(int commands, int responses, const sigset_t& mask) {
     ::posix_spawn_file_actions_init(&actions);
     ::posix_spawn_file_actions_adddup2(&actions, commands, kCommandsOfBrowser);
-    ::posix_spawn_file_actions_adddup2(&actions, answers, kAnswersOfBrowser);
+    ::posix_spawn_file_actions_adddup2(&actions, responses, kResponsesOfBrowser);
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
       ::posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_RDWR, 0);
     }
@@ -175,15 +176,15 @@ void Browser::start(const std::vector<std::string>& options) {
   const Pipe commands = openPipe();
   commands_.emplace(commands.writeEnd);
   const base::Descriptor commandsEnd(commands.readEnd);
-  const Pipe answers = openPipe();
-  answers_.emplace(answers.readEnd);
-  const base::Descriptor answersEnd(answers.writeEnd);
-  const SpawnSetting setting(commandsEnd.get(), answersEnd.get(), signals_.before());
+  const Pipe responses = openPipe();
+  responses_.emplace(responses.readEnd);
+  const base::Descriptor responsesEnd(responses.writeEnd);
+  const SpawnSetting setting(commandsEnd.get(), responsesEnd.get(), signals_.before());
   errno = ::posix_spawn(&pid_, program_.c_str(), &setting.actions, &setting.attributes,
                         arguments.data(), environ);
   if (errno != 0) {
     pid_ = -1;
-    throw systemFailure(program_ + " does not start");
+    throw systemFailure("cannot start " + program_);
   }
   process_.emplace(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
 }
@@ -194,7 +195,7 @@ void Browser::call(const std::string& method, const Json::Value& parameters) {
   message["method"] = method;
   message["params"] = parameters;
   send(compact(message));
-  waitForAnswer();
+  waitForResponse();
 }
 
 // Messages end with a NUL, in both directions.
@@ -213,10 +214,11 @@ std::string Browser::receive() {
   std::size_t end = 0;
   while ((end = received_.find('\0')) == std::string::npos) {
     std::array<char, 4096> piece = {};
-    if (signals_.wait(kAnswerTime, answers_->get()) != Wakeup::Readable) {
-      throw Failure(kLocalFailure, program_ + " does not answer", "close it, and run it again");
+    if (signals_.wait(kResponseTime, responses_->get()) != Wakeup::Readable) {
+      throw Failure(kLocalFailure, program_ + " does not respond",
+                    "Close the browser, and run the command again");
     }
-    const ssize_t count = ::read(answers_->get(), piece.data(), piece.size());
+    const ssize_t count = ::read(responses_->get(), piece.data(), piece.size());
     if (count == 0 || (count < 0 && errno != EINTR)) {
       throw ended();
     }
@@ -227,21 +229,23 @@ std::string Browser::receive() {
   return message;
 }
 
-// Passes over what the browser tells of itself.
-void Browser::waitForAnswer() {
-  Json::Value answer;
+// Skips the events that the browser reports.
+void Browser::waitForResponse() {
+  Json::Value response;
   do {
-    std::istringstream(receive()) >> answer;
-  } while (answer["id"] != lastId_);
-  if (answer.isMember("error")) {
-    throw Failure(kLocalFailure, program_ + " refused: " + answer["error"]["message"].asString(),
-                  "a newer browser, or the cookies of `bookstore cookies` by hand");
+    std::istringstream(receive()) >> response;
+  } while (response["id"] != lastId_);
+  if (response.isMember("error")) {
+    throw Failure(
+        kLocalFailure,
+        withServerWords(program_ + " refused a command", response["error"]["message"].asString()),
+        "Install a newer browser, or use the output of \"bookstore cookies\"");
   }
 }
 
 Failure Browser::ended() const {
   return Failure(kLocalFailure, program_ + " ended before it showed the page",
-                 "start it by itself to see why");
+                 "Run the browser by itself to see why");
 }
 
 void Browser::waitUntilClosed() {

@@ -1,5 +1,5 @@
-// A browser of the Chromium family as a process of its own, steered over a pipe. For the main
-// thread, while the process has no other one.
+// A browser of the Chromium family, which runs as a child process and is controlled over a pipe.
+// For the main thread of a process without other threads.
 
 #ifndef BOOKSTORE_COMMANDS_BROWSER_H_
 #define BOOKSTORE_COMMANDS_BROWSER_H_
@@ -22,25 +22,25 @@ namespace bookstore {
 std::string findBrowser();
 
 // Runs from construction until the person closes it, or until the object is destroyed. Signals that
-// end this process wait so long, so that the profile, which holds secrets, always goes.
+// end this process wait until then: the profile contains secrets and must always be removed.
 class Browser {
  public:
-  // Starts `program` with an empty profile and `options`. Throws Failure when that is not possible.
+  // Starts `program` with an empty profile and `options`. Throws Failure when that fails.
   Browser(const std::string& program, const std::vector<std::string>& options);
   ~Browser();
 
   Browser(const Browser&) = delete;
   Browser& operator=(const Browser&) = delete;
 
-  // Has the browser perform a method of its DevTools protocol. Throws Failure when it refuses, or
-  // ends or keeps silent before it answers.
+  // Calls a method of the browser's DevTools protocol. Throws Failure when the browser refuses,
+  // ends, or does not respond in 30 seconds.
   void call(const std::string& method, const Json::Value& parameters);
 
-  // Returns when the browser has ended, or a signal asks this process to.
+  // Returns when the browser has ended, or when a signal asks this process to end.
   void waitUntilClosed();
 
  private:
-  // A new folder that goes with the object.
+  // A new folder, which is removed with the object.
   class Profile {
    public:
     Profile();
@@ -57,7 +57,7 @@ class Browser {
   void start(const std::vector<std::string>& options);
   void send(const std::string& message);
   std::string receive();
-  void waitForAnswer();
+  void waitForResponse();
   Failure ended() const;
 
   // The order matters: the signals take effect last, after the profile has gone.
@@ -65,7 +65,7 @@ class Browser {
   const Profile profile_;
   const std::string program_;
   std::optional<base::Descriptor> commands_;
-  std::optional<base::Descriptor> answers_;
+  std::optional<base::Descriptor> responses_;
   std::optional<base::Descriptor> process_;
   pid_t pid_ = -1;
   int lastId_ = 0;

@@ -17,15 +17,14 @@ BrowserCookies browserCookies() {
   }
   const int generation = orvane::utilities::BookStoreVersionProxy::storeVersion(false);
   if (generation != 3) {
-    throw Failure(kNoSession,
-                  "there are no cookies for store generation " + std::to_string(generation),
-                  std::string(base::settings::kStoreVersion.name) + "=3");
+    throw Failure(kNoSession, "store generation " + std::to_string(generation) + " has no cookies",
+                  std::string("Set ") + base::settings::kStoreVersion.name + "=3");
   }
   if (!::isLoggedIn()) {
     throw notSignedIn();
   }
-  throw Failure(kNoSession, "the store that the customer signed in to is not a known one",
-                "bookstore stores --refresh");
+  throw Failure(kNoSession, "the store to which the customer signed in is not in the store list",
+                "Run \"bookstore stores --refresh\"");
 }
 
 }  // namespace bookstore

@@ -10,14 +10,15 @@ namespace bookstore {
 
 namespace {
 
-// Programs ask for JSON in two ways.
+// JSON is requested with --json or with --format json.
 std::string formatOf(const Context& context) {
   const std::string format = context.arguments.text("--format");
   if (!context.output.isJson()) {
     return format.empty() ? "table" : format;
   }
   if (!format.empty() && format != "json") {
-    throw Failure(kUsage, "--json and --format " + format + " exclude each other", "one of them");
+    throw Failure(kUsage, "--json and --format " + format + " cannot be used together",
+                  "Omit one of them");
   }
   return "json";
 }
@@ -48,12 +49,12 @@ std::string hostOf(const std::string& url) {
   return hostAndPort.substr(0, hostAndPort.find(':', hostAndPort.rfind(']') + 1));
 }
 
-// A line for this host alone, below /, over TLS only, for the session of the browser.
+// A cookie for this host only, for all paths, for TLS only, until the browser ends.
 std::string cookieFileLine(const std::string& host, const std::string& name,
                            const std::string& value) {
   if (value.find_first_of("\t\r\n") != std::string::npos) {
-    throw Failure(kNoData, "the value of the cookie " + name + " does not fit on a line",
-                  "--format json");
+    throw Failure(kNoData, "the value of the cookie " + name + " has a tab or a line end",
+                  "Use --format json");
   }
   return host + "\tFALSE\t/\tTRUE\t0\t" + name + "\t" + value + "\n";
 }
@@ -71,8 +72,8 @@ void printCookieFile(Output& output, const BrowserCookies& cookies) {
 void runCookies(Context& context) {
   const std::string format = formatOf(context);
   if (format == "netscape" && !context.arguments.has("--show-secrets")) {
-    throw Failure(kUsage, "a cookie file with masked values is of no use",
-                  "--format netscape --show-secrets");
+    throw Failure(kUsage, "no program can use a cookie file with masked values",
+                  "Add --show-secrets");
   }
   const BrowserCookies cookies = browserCookies();
   if (format == "json") {

@@ -12,7 +12,7 @@ namespace bookstore {
 
 namespace {
 
-const char kHowToGoOn[] = "bookstore refresh, or sign in again";
+const char kRenewSession[] = "Run \"bookstore refresh\" or \"bookstore sign-in\"";
 
 }  // namespace
 
@@ -22,40 +22,43 @@ SessionLock::SessionLock(const Context& context) {
   }
   lock_.emplace(base::hostPath(base::kSessionPath));
   if (const base::FileFailure& failure = lock_->failure()) {
-    throw Failure(kLocalFailure, "the lock beside " + tokenFile() + " fails: " + failure.text(),
-                  "set ORVANE_ROOT to a folder that can be written");
+    throw Failure(kLocalFailure,
+                  "cannot lock the session beside " + tokenFile() + " (" + failure.reason() + ")",
+                  "Set ORVANE_ROOT to a writable folder");
   }
 }
 
 Failure notSignedIn() {
-  return Failure(kNoSession, "not signed in: there is no access token", "bookstore sign-in");
+  return Failure(kNoSession, "not signed in: there is no access token",
+                 "Run \"bookstore sign-in\"");
 }
 
-void requireAnswer(const FailureListener& listener, GraphQLApi::ApiError error,
-                   const std::string& url, const std::string& lack) {
+void requireResponse(const FailureListener& listener, GraphQLApi::ApiError error,
+                     const std::string& url, const std::string& lack) {
   if (base::isSessionRefused(listener.status())) {
-    throw Failure(kNoSession, url + " says that the session has ended", kHowToGoOn);
+    throw Failure(kNoSession, url + " refused the session: it has expired", kRenewSession);
   }
   listener.throwIfAny(url);
   switch (error) {
     case GraphQLApi::Ok:
       return;
     case GraphQLApi::NetworkError:
-      // The library reports no number for this one.
-      throw Failure(kTransferFailed, "the transfer to " + url + " failed",
-                    "run it again with -v to see why");
+      // The library reports no number for this error.
+      throw Failure(kTransferFailed, "the request to " + url + " failed",
+                    "Run the command again with -v to see the reason");
     case GraphQLApi::BadResponse:
       break;
   }
-  throw Failure(kNoData, url + " " + lack, std::string(kHowToGoOn) + "; -v shows the answer");
+  throw Failure(kNoData, url + " " + lack, std::string(kRenewSession) + "; -v shows the response");
 }
 
 void requireTokensSaved(const std::string& what, const std::string& accessToken,
                         const std::string& refreshToken) {
   const GraphQLStorageApi saved;
   if (saved.accessToken() != accessToken || saved.refreshToken() != refreshToken) {
-    throw Failure(kLocalFailure, what + ", but " + tokenFile() + " does not tell so",
-                  "see the log lines above, and whether that folder can be written and has room");
+    throw Failure(
+        kLocalFailure, what + ", but the token file " + tokenFile() + " was not updated",
+        "See the log lines above, and check that its folder is writable and has free space");
   }
 }
 

@@ -13,33 +13,33 @@
 
 namespace bookstore {
 
-// Keeps other processes that run a command on the session waiting while the object lives. A save of
-// the token file takes another lock, so that it can happen meanwhile. Used by one thread.
+// Makes other processes that use or change the session wait while the object lives. A save of the
+// token file takes another lock. Used by one thread.
 class SessionLock {
  public:
-  // Waits for the lock; takes none in a dry run, which changes nothing. Throws Failure when the
-  // lock cannot be had.
+  // Waits for the lock; takes none in a dry run, which changes nothing. Throws Failure when locking
+  // fails.
   explicit SessionLock(const Context& context);
 
  private:
   std::optional<base::FileLock> lock_;
 };
 
-// Nobody is signed in where somebody has to be.
+// The failure of a command that needs a session when nobody is signed in.
 Failure notSignedIn();
 
 // Throws Failure unless `error`, the result of an operation on `url` with the customer's session,
-// is Ok. `listener` heard what was reported meanwhile; `lack` is what an answer without the
-// expected data did, as in "answered without a customer".
-void requireAnswer(const FailureListener& listener, graphql::GraphQLApi::ApiError error,
-                   const std::string& url, const std::string& lack);
+// is Ok. `listener` was alive during the operation; `lack` says what is wrong with a response that
+// lacks the expected data, as in "returned no customer".
+void requireResponse(const FailureListener& listener, graphql::GraphQLApi::ApiError error,
+                     const std::string& url, const std::string& lack);
 
-// Throws Failure unless the token file holds these tokens: the library does not learn whether it
-// was written. `what` is what happened before.
+// Throws Failure unless the token file contains these tokens: the library does not report whether
+// it could write the file. `what` says what happened before.
 void requireTokensSaved(const std::string& what, const std::string& accessToken,
                         const std::string& refreshToken);
 
-// The end of a message of failure: says so when the token file holds no session.
+// The end of a failure message: says so when the token file contains no session.
 std::string remainingSession();
 
 }  // namespace bookstore

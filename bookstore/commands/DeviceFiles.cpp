@@ -15,20 +15,20 @@ namespace bookstore {
 
 namespace {
 
-Failure cannotLook(const std::string& path, int error) {
+Failure accessFailure(const std::string& path, int error) {
   return Failure(kLocalFailure,
-                 "cannot look at " + path + ": " + std::generic_category().message(error),
-                 "check the folders above it, or set ORVANE_ROOT to another one");
+                 "cannot access " + path + ": " + std::generic_category().message(error),
+                 "Check the folders above it, or set ORVANE_ROOT to another folder");
 }
 
-// False when there is no such file. std::filesystem would do, but on 32-bit systems it knows no
-// dates beyond 2038.
-bool look(const std::string& path, struct stat* status) {
+// False when there is no such file. Not std::filesystem, which on 32-bit systems has no dates after
+// 2038.
+bool readStatus(const std::string& path, struct stat* status) {
   if (::stat(path.c_str(), status) == 0) {
     return true;
   }
   if (errno != ENOENT && errno != ENOTDIR) {
-    throw cannotLook(path, errno);
+    throw accessFailure(path, errno);
   }
   return false;
 }
@@ -45,13 +45,13 @@ std::string tokenFile() {
 
 bool fileExists(const std::string& path) {
   struct stat status = {};
-  return look(path, &status);
+  return readStatus(path, &status);
 }
 
 std::chrono::seconds timeSinceChange(const std::string& path) {
   struct stat status = {};
-  if (!look(path, &status)) {
-    throw cannotLook(path, ENOENT);
+  if (!readStatus(path, &status)) {
+    throw accessFailure(path, ENOENT);
   }
   return std::chrono::seconds(std::max<std::time_t>(0, std::time(nullptr) - status.st_mtime));
 }

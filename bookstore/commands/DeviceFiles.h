@@ -1,5 +1,4 @@
-// The library's files as the person finds them on this machine. Holds no state; safe from any
-// thread.
+// The library's files on this machine. Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_COMMANDS_DEVICEFILES_H_
 #define BOOKSTORE_COMMANDS_DEVICEFILES_H_
@@ -13,10 +12,11 @@ namespace bookstore {
 std::string storeListFile();
 std::string tokenFile();
 
-// Whether there is a file at `path`. Throws Failure when that cannot be seen.
+// Whether `path` exists. Throws Failure when the system does not say.
 bool fileExists(const std::string& path);
 
-// How long ago the file at `path` was changed; 0 for one from the future. Throws Failure as above.
+// The time since the file at `path` was changed; 0 for a time in the future. Throws Failure as
+// above.
 std::chrono::seconds timeSinceChange(const std::string& path);
 
 }  // namespace bookstore

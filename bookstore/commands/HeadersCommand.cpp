@@ -18,7 +18,7 @@ namespace {
 
 using StoreInfo = GraphQLStorageApi::StoreInfo;
 
-// The row of this command in the table allows these names only.
+// The command's row in the table allows only these names.
 GraphQLStorageApi::TokenType tokenTypeOf(const std::string& name) {
   static const std::map<std::string, GraphQLStorageApi::TokenType> types = {
       {"none", GraphQLStorageApi::None},
@@ -29,17 +29,17 @@ GraphQLStorageApi::TokenType tokenTypeOf(const std::string& name) {
   return types.at(name);
 }
 
-// Without its credential a header is left out: a request like that is none of the type asked for.
+// The library omits the header of a missing credential: the request would have another type.
 void requireCredentials(const GraphQLStorageApi& storage, const StoreInfo& store,
                         GraphQLStorageApi::TokenType type) {
-  const std::string remedy = "sign in first, or --type none or integration";
+  const std::string remedy = "Run \"bookstore sign-in\", or use --type none or integration";
   switch (type) {
     case GraphQLStorageApi::None:
       return;
     case GraphQLStorageApi::Integration:
       if (store.integrationToken.empty()) {
         throw Failure(kNoSession, "the store " + store.providerID + " has no integration token",
-                      "bookstore stores --refresh, or --type none");
+                      "Run \"bookstore stores --refresh\", or use --type none");
       }
       return;
     case GraphQLStorageApi::CustomerRefresh:
@@ -55,7 +55,7 @@ void requireCredentials(const GraphQLStorageApi& storage, const StoreInfo& store
   }
 }
 
-// A header's value tells by its name whether it is a secret.
+// Whether a value is a secret shows in the name of its header.
 std::string shownValue(const Output& output, const std::string& name, const std::string& value) {
   const std::string prefix = name + ": ";
   return output.withoutSecrets(prefix + value).substr(prefix.size());

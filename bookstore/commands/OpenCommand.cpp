@@ -14,7 +14,7 @@ namespace bookstore {
 
 namespace {
 
-// The fields of HOST:PORT:TO-HOST:TO-PORT; other than four where they cannot be told apart.
+// The fields of HOST:PORT:TO-HOST:TO-PORT. An IPv6 address makes more than four.
 std::vector<std::string> fieldsOf(const std::string& entry) {
   std::vector<std::string> fields;
   std::istringstream in(entry + ":");
@@ -24,7 +24,7 @@ std::vector<std::string> fieldsOf(const std::string& entry) {
   return fields;
 }
 
-// The browser's rule for one entry of the setting; empty when it has none like that.
+// The browser's rule for one entry of the setting; empty when the browser has no such rule.
 std::string resolverRule(const std::string& entry) {
   const std::vector<std::string> fields = fieldsOf(entry);
   if (fields.size() != 4 || fields[2].empty()) {
@@ -37,23 +37,23 @@ std::string resolverRule(const std::string& entry) {
          withPort(fields[2], fields[3]);
 }
 
-// What a browser can take of the host's settings; says what it cannot.
+// The settings as options of the browser. Prints a note for each one that it has no option for.
 std::vector<std::string> browserOptions(Output& output) {
   const base::HttpSettings settings = base::readHttpSettings();
   std::string rules;
   for (const std::string& entry : settings.connectTo) {
     const std::string rule = resolverRule(entry);
     if (rule.empty()) {
-      output.note("the browser knows nothing like " + entry + " of ORVANE_CONNECT_TO");
+      output.note("the browser ignores " + entry + " of ORVANE_CONNECT_TO: it has no such rule");
     } else {
       rules += (rules.empty() ? "" : ", ") + rule;
     }
   }
   if (!settings.caFile.empty()) {
-    output.note("the browser does not take ORVANE_CA_FILE: it may warn of the certificate");
+    output.note("the browser ignores ORVANE_CA_FILE: it may warn about the certificate");
   }
   if (!settings.pinnedKey.empty()) {
-    output.note("the browser does not take ORVANE_PINNED_KEY: it takes any trusted key");
+    output.note("the browser ignores ORVANE_PINNED_KEY: it accepts any trusted key");
   }
   return rules.empty() ? std::vector<std::string>()
                        : std::vector<std::string>{"--host-resolver-rules=" + rules};
@@ -86,9 +86,9 @@ void runOpen(Context& context) {
   const std::string program = findBrowser();
   if (program.empty()) {
     throw Failure(kLocalFailure,
-                  "no browser of the Chromium family is in PATH to open " + cookies.url,
-                  "another browser, with the cookies that `bookstore cookies --format netscape "
-                  "--show-secrets` prints");
+                  "PATH has no browser of the Chromium family to open " + cookies.url,
+                  "Install chromium, or give another browser the cookies from \"bookstore cookies "
+                  "--format netscape --show-secrets\"");
   }
   {
     Browser browser(program, browserOptions(context.output));

@@ -16,22 +16,23 @@ namespace bookstore {
 
 namespace {
 
-constexpr std::size_t kLongest = 1 << 20;  // far beyond what any store takes
+constexpr std::size_t kLongest = 1 << 20;  // far more than any store accepts
 
 int parseDescriptor(const std::string& text) {
   int descriptor = -1;
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, descriptor);
   if (error != std::errc() || stop != end || descriptor < 0) {
-    throw Failure(kUsage, "'" + text + "' is no file descriptor", "a number, such as 3");
+    throw Failure(kUsage, "\"" + text + "\" is not a file descriptor", "Use a number, such as 3");
   }
   return descriptor;
 }
 
-// The descriptor to read from; nothing when the person is to be asked.
+// The descriptor to read from; none when the person is to be prompted.
 std::optional<int> givenDescriptor(const Arguments& arguments) {
   if (arguments.has("--password-stdin") && arguments.has("--password-fd")) {
-    throw Failure(kUsage, "--password-stdin and --password-fd exclude each other", "one of them");
+    throw Failure(kUsage, "--password-stdin and --password-fd cannot be used together",
+                  "Omit one of them");
   }
   if (arguments.has("--password-stdin")) {
     return STDIN_FILENO;
@@ -46,19 +47,20 @@ std::string readToTheEnd(int descriptor) {
   const std::string name = "file descriptor " + std::to_string(descriptor);
   if (::isatty(descriptor) == 1) {
     throw Failure(kUsage, name + " is a terminal, which would show the password",
-                  "leave the option out to be asked without echo");
+                  "Omit the option: the command then prompts without echo");
   }
   std::string text;
   std::array<char, 4096> piece = {};
   for (ssize_t count = 1; count != 0;) {
     count = ::read(descriptor, piece.data(), piece.size());
     if (count < 0 && errno != EINTR) {
-      throw Failure(kUsage, name + " cannot be read: " + std::generic_category().message(errno),
-                    "open it for reading, as in 3<FILE");
+      throw Failure(kUsage, "cannot read " + name + ": " + std::generic_category().message(errno),
+                    "Open it for reading, as in 3<FILE");
     }
     text.append(piece.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
     if (text.size() > kLongest) {
-      throw Failure(kUsage, name + " gives more than a password", "a file that holds it alone");
+      throw Failure(kUsage, "the input has more than 1 MiB",
+                    "Use a file that contains only the password");
     }
   }
   if (!text.empty() && text.back() == '\n') {
@@ -70,7 +72,7 @@ std::string readToTheEnd(int descriptor) {
 std::string ask(PasswordKind kind) {
   std::string password = askForPassword("Password: ");
   if (kind == PasswordKind::New && askForPassword("Password again: ") != password) {
-    throw Failure(kUsage, "the two passwords differ", "typing the same one twice");
+    throw Failure(kUsage, "the two passwords differ", "Type the same password twice");
   }
   return password;
 }
@@ -86,7 +88,7 @@ std::string readPassword(const Arguments& arguments, PasswordKind kind) {
   const std::optional<int> descriptor = givenDescriptor(arguments);
   std::string password = descriptor ? readToTheEnd(*descriptor) : ask(kind);
   if (password.empty()) {
-    throw Failure(kUsage, "the password is empty", "one of at least one character");
+    throw Failure(kUsage, "the password is empty", "Enter at least one character");
   }
   requireUtf8("password", password);
   return password;

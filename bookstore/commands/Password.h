@@ -1,5 +1,5 @@
 // Where a command's password comes from: never from its arguments, which other users of the machine
-// can see. For the main thread, while the process has no other one.
+// can see. For the main thread of a process without other threads.
 
 #ifndef BOOKSTORE_COMMANDS_PASSWORD_H_
 #define BOOKSTORE_COMMANDS_PASSWORD_H_
@@ -16,9 +16,9 @@ std::vector<Option> passwordOptions();
 
 enum class PasswordKind { Known, New };
 
-// Reads the password from where the options say, up to the end, and takes one line feed off; else
-// asks for it at the terminal without echo, twice when it is new. Throws Failure when there is
-// none, or none that a request can carry.
+// Reads the password from the descriptor that the options name, up to its end, and removes one line
+// feed. Without such an option, prompts for it on the terminal, twice when it is new. Throws
+// Failure when there is no password, or when a request cannot carry it.
 std::string readPassword(const Arguments& arguments, PasswordKind kind);
 
 }  // namespace bookstore

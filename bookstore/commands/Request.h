@@ -1,5 +1,5 @@
-// How a command sends: with the spinner turning, and what the library reports as a Failure. Used by
-// one thread.
+// How a command sends a request: with a spinner, and with the library's errors as a Failure. Used
+// by one thread.
 
 #ifndef BOOKSTORE_COMMANDS_REQUEST_H_
 #define BOOKSTORE_COMMANDS_REQUEST_H_
@@ -22,10 +22,10 @@ class FailureListener {
   FailureListener(const FailureListener&) = delete;
   FailureListener& operator=(const FailureListener&) = delete;
 
-  // Throws the Failure that was heard of, if any. `url` is where the request went.
+  // Throws a Failure if an error was reported. `url` is where the request went.
   void throwIfAny(const std::string& url) const;
 
-  // The HTTP status other than 200 that was heard of; 0 for none.
+  // The HTTP status that was reported as an error; 0 for none.
   int status() const;
 
  private:
@@ -33,18 +33,18 @@ class FailureListener {
   std::optional<std::pair<int, int>> heard_;  // result, status
 };
 
-// Calls `operation`, which performs one operation of `context.api`, and returns its result. What it
-// throws passes.
+// Calls `operation`, which performs one operation of `context.api`, and returns its result. Throws
+// what it throws.
 template <typename Operation>
 auto waitFor(const Context& context, Operation operation) {
   std::optional<Spinner> spinner;
-  if (!context.arguments.has("--verbose")) {  // the log then shows what goes on
+  if (!context.arguments.has("--verbose")) {  // the log then shows the progress
     spinner.emplace(context.output.terminal(), "Asking the store");
   }
   return operation();
 }
 
-// The same for an operation on `url`. Throws Failure when the transfer failed or the status was not
+// The same for an operation on `url`. Throws Failure if the exchange failed or the status was not
 // 200.
 template <typename Operation>
 auto send(const Context& context, const std::string& url, Operation operation) {

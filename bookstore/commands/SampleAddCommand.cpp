@@ -20,13 +20,14 @@ namespace bookstore {
 
 namespace {
 
-// What a worker would only set aside is not queued.
+// A worker would set aside any other path.
 void requireUsablePath(const std::string& devicePath) {
   const sample_app::SamplePath sample = sample_app::locateSample(devicePath);
   if (!sample.isUsable()) {
-    throw Failure(kUsage, "nothing was queued: " + sample.problem,
-                  "a path on the device, such as /mnt/ext1/NAME, in a folder that is there below " +
-                      base::rootFolder());
+    throw Failure(
+        kUsage, sample.problem,
+        "Use a path on the device, such as /mnt/ext1/NAME, in a folder that exists below " +
+            base::rootFolder());
   }
 }
 
@@ -46,7 +47,7 @@ void requireQueued(const SampleItem& item) {
   if (!isQueued(item)) {
     throw Failure(kLocalFailure,
                   std::string("the sample is not in the queue, ") + base::kSampleQueuePath,
-                  "see the log lines above, and whether /tmp has room");
+                  "See the log lines above, and check that /tmp has free space");
   }
 }
 
@@ -57,17 +58,18 @@ void runSampleAdd(Context& context) {
   requireUsablePath(item.sampleFilePath);
   const std::string application = base::hostPath(base::kSampleApplicationPath);
   const bool hasApplication = isInstalled(application);
-  queuedSamples();  // the library tells nobody that it cannot lock the queue
+  queuedSamples();  // addSample() does not report that it cannot lock the queue
   addSample(item.bookId.c_str(), item.sampleFilePath.c_str());
   if (!hasApplication) {
-    requireQueued(item);  // with an application it may be gone again already
-    context.output.note("nothing works on the queue: there is no program at " + application +
-                        "; try: put the application there, or bookstore sample work");
+    requireQueued(item);  // with an application it may already be removed
+    context.output.note("no program processes the queue: " + application +
+                        " is missing. Install the application there, or run \"bookstore sample "
+                        "work\".");
   }
   if (!context.storage->isLoggedIn()) {
     context.output.note(
-        "nobody is signed in, so the sample waits; try: bookstore sign-in, then bookstore sample "
-        "work");
+        "the sample stays in the queue: nobody is signed in. Run \"bookstore sign-in\", then "
+        "\"bookstore sample work\".");
   }
 
   Json::Value document = toJson(item);

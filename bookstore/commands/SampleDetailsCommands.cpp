@@ -27,10 +27,10 @@ Metadata ask(const Context& context, const GraphQLStorageApi::StoreInfo& store,
   }
   const FailureListener listener(context.api);
   Metadata metadata = waitFor(context, [&] { return (context.api.*operation)(store, bookId); });
-  requireAnswer(listener, metadata.error, store.apiUrl,
-                metadata.uid.empty()
-                    ? "answered without the book: it may not be known, or the session have ended"
-                    : "answered with another book, " + metadata.uid);
+  requireResponse(listener, metadata.error, store.apiUrl,
+                  metadata.uid.empty()
+                      ? "returned no book: the store does not know it, or the session has expired"
+                      : "returned another book, " + metadata.uid);
   return metadata;
 }
 

@@ -21,7 +21,7 @@ std::string queueName() {
 void requireHeld(const LockedQueue& queue) {
   if (!queue.isHeld()) {
     throw Failure(kLocalFailure, queueName() + " cannot be opened and locked",
-                  "see the log lines above, and whether the file belongs to another user");
+                  "See the log lines above, and check whether the file belongs to another user");
   }
 }
 
@@ -36,13 +36,13 @@ std::vector<SampleItem> queuedSamples() {
 SampleItem oldestSample() {
   const std::optional<SampleItem> item = sample_app::oldestItem();
   if (!item) {
-    requireHeld(LockedQueue());  // one that cannot be opened is none that is empty
-    throw Failure(kNoSession, "no sample is in the queue", "bookstore sample add");
+    requireHeld(LockedQueue());  // the library reports a queue that it cannot open as empty
+    throw Failure(kNoSession, "the queue is empty", "Run \"bookstore sample add\"");
   }
   return *item;
 }
 
-// Not the library's removeSample(), which does not tell whether there was anything to remove.
+// Not the library's removeSample(), which does not report whether it removed anything.
 SampleItem removeSample(const std::string& bookId) {
   LockedQueue queue;
   requireHeld(queue);
@@ -50,14 +50,14 @@ SampleItem removeSample(const std::string& bookId) {
   const auto found = std::find_if(items.begin(), items.end(),
                                   [&](const SampleItem& item) { return item.bookId == bookId; });
   if (found == items.end()) {
-    throw Failure(kNoSession, "no sample of the book '" + bookId + "' is in the queue",
-                  "one that bookstore sample list shows");
+    throw Failure(kNoSession, "the queue has no sample of the book \"" + bookId + "\"",
+                  "Use a book that \"bookstore sample list\" shows");
   }
   SampleItem removed = *found;
   items.erase(found);
   if (!queue.replace(items)) {
     throw Failure(kLocalFailure, queueName() + " could not be rewritten",
-                  "see whether /tmp has room, and what bookstore sample list shows");
+                  "Free some space in /tmp, and check the queue with \"bookstore sample list\"");
   }
   return removed;
 }

@@ -1,5 +1,5 @@
 // The queue of samples as the commands see it: every function takes its lock, waits for it, and
-// throws Failure when it cannot be had. Used by one thread.
+// throws Failure when locking fails. Used by one thread.
 
 #ifndef BOOKSTORE_COMMANDS_SAMPLEQUEUE_H_
 #define BOOKSTORE_COMMANDS_SAMPLEQUEUE_H_
@@ -18,7 +18,7 @@ using sample_app::SampleItem;
 // Every item, oldest first.
 std::vector<SampleItem> queuedSamples();
 
-// The item that the library hands to a worker. Throws Failure when there is none.
+// The item that the library gives to a worker. Throws Failure when there is none.
 SampleItem oldestSample();
 
 // Removes the oldest item of the book and returns it. Throws Failure when there is none, and when

@@ -26,12 +26,12 @@ namespace bookstore {
 
 namespace {
 
-// What becomes of the items: shown while they are worked, kept for the end.
+// The results of the items: shown during the work, and kept for the end.
 class Report : public sample_app::WorkListener {
  public:
   explicit Report(const Context& context) {
-    if (!context.arguments.has("--verbose")) {  // the log then shows what goes on
-      progress_.emplace(context.output.terminal(), "Looking at the queue");
+    if (!context.arguments.has("--verbose")) {  // the log then shows the progress
+      progress_.emplace(context.output.terminal(), "Reading the queue");
     }
   }
 
@@ -98,19 +98,19 @@ void requireHeld(const WorkerLock& lock) {
       return;
     case WorkerLock::State::Busy:
       throw Failure(kLocalFailure,
-                    std::string("the background application, or another sample work, is at work "
-                                "already: it holds ") +
+                    std::string("the background application or another \"sample work\" is already "
+                                "running: it has locked ") +
                         sample_app::kWorkerLockPath,
-                    "bookstore sample list, to see how it gets on");
+                    "Wait until \"bookstore sample list\" shows an empty queue");
     case WorkerLock::State::Failed:
       break;
   }
-  throw Failure(kLocalFailure, std::string("no lock on ") + sample_app::kWorkerLockPath,
-                "see the log lines above, and move away what stands there");
+  throw Failure(kLocalFailure, std::string("cannot lock ") + sample_app::kWorkerLockPath,
+                "See the log lines above, and remove what is in place of that file");
 }
 
-// A worker that has drained the queue holds the queue's lock, so that who adds an item waits. As
-// the lock of the worker goes first, the application that is then started gets that one.
+// A worker that has drained the queue keeps the queue's lock, so that a program that adds an item
+// waits. The worker's lock is released first: the application that this program starts gets it.
 Worker::End workThrough(const Context& context, sample_app::Waiter& waiter, Report& report) {
   Worker worker(context.storage, waiter, report, std::chrono::milliseconds(0), std::nullopt);
   const WorkerLock lock;
@@ -158,7 +158,7 @@ void printForPeople(Output& output, const Report& report, std::size_t left) {
   }
 }
 
-// A program that reads what was done needs it also when the work came to no good end.
+// Printed also when the work failed: a program needs to know what was done.
 void print(Output& output, const Report& report, std::size_t left) {
   if (output.isJson()) {
     printForPrograms(output, report, left);
@@ -182,22 +182,23 @@ ExitCode codeFor(Obstacle obstacle) {
 }
 
 void requireDrained(Worker::End end, const Report& report, std::size_t left) {
-  const std::string stay = "; samples that stay in the queue: " + std::to_string(left);
+  const std::string stay = "; samples left in the queue: " + std::to_string(left);
   switch (end) {
     case Worker::End::Drained:
       return;
     case Worker::End::Postponed:
       throw Failure(codeFor(report.obstacle()), report.reason() + stay,
-                    "bookstore sample work again when that is mended; -v shows more");
+                    "Fix the cause, and run \"bookstore sample work\" again; -v shows more");
     case Worker::End::SignedOut:
       throw Failure(kNoSession, report.reason() + stay,
-                    "bookstore sign-in, then bookstore sample work");
-    case Worker::End::Stopped:  // only seen where the signal is one that the process ignores
-      throw Failure(kLocalFailure, "stopped by a signal" + stay, "bookstore sample work");
+                    "Run \"bookstore sign-in\", then \"bookstore sample work\"");
+    case Worker::End::Stopped:  // only when the process ignores the signal
+      throw Failure(kLocalFailure, "stopped by a signal" + stay,
+                    "Run \"bookstore sample work\" again");
   }
 }
 
-// Ends, as any request of a dry run, in base::DryRun.
+// Throws base::DryRun, as every request of a dry run does.
 void showFirstRequest(const Context& context) {
   const SampleItem item = oldestSample();
   std::string reason = sample_app::locateSample(item.sampleFilePath).problem;
@@ -205,7 +206,8 @@ void showFirstRequest(const Context& context) {
     reason = MetadataSource(context.storage).find(item.bookId).reason;
   }
   throw Failure(context.storage->isLoggedIn() ? kUsage : kNoSession,
-                "the oldest sample would cause no request: " + reason, "bookstore sample next");
+                "the oldest sample causes no request: " + reason,
+                "Check the sample with \"bookstore sample next\"");
 }
 
 }  // namespace
@@ -214,7 +216,7 @@ void runSampleWork(Context& context) {
   if (context.arguments.has("--dry-run")) {
     showFirstRequest(context);
   }
-  // What arrives meanwhile takes effect only when the report is out.
+  // A signal takes effect after the report is printed.
   sample_app::SignalWaiter waiter({SIGHUP, SIGINT, SIGTERM});
   Report report(context);
   const Worker::End end = workThrough(context, waiter, report);
@@ -223,7 +225,7 @@ void runSampleWork(Context& context) {
   print(context.output, report, left);
   context.output.flush();
   if (end == Worker::End::Stopped) {
-    context.output.note("stopped; samples that stay in the queue: " + std::to_string(left));
+    context.output.note("stopped; samples left in the queue: " + std::to_string(left));
   }
   requireDrained(end, report, left);
 }

@@ -19,25 +19,25 @@ GraphQLStorageApi::UserInfo askForProfile(const Context& context,
   const FailureListener listener(context.api);
   GraphQLStorageApi::UserInfo info;
   const auto error = waitFor(context, [&] { return context.api.userInfo(store, &info); });
-  requireAnswer(listener, error, store.apiUrl,
-                "answered without a customer: the session may have ended");
+  requireResponse(listener, error, store.apiUrl,
+                  "returned no customer: the session may have expired");
   return info;
 }
 
-std::string tokenToSpend(const GraphQLStorageApi& storage) {
+std::string storedRefreshToken(const GraphQLStorageApi& storage) {
   std::string token = storage.refreshToken();
   if (token.empty()) {
-    throw Failure(kNoSession, "not signed in: there is no refresh token", "bookstore sign-in");
+    throw Failure(kNoSession, "not signed in: there is no refresh token",
+                  "Run \"bookstore sign-in\"");
   }
   return token;
 }
 
 Failure refused(const std::string& url, const std::string& message) {
-  return Failure(kStoreRefused,
-                 url + " refused the refresh" +
-                     (message.empty() ? ", and gave no reason" : ": " + message) +
-                     "; the stored tokens are emptied",
-                 "bookstore sign-in");
+  return Failure(
+      kStoreRefused,
+      withServerWords(url + " refused the refresh", message) + "; the stored tokens are removed",
+      "Run \"bookstore sign-in\"");
 }
 
 void refresh(const Context& context, const GraphQLStorageApi::StoreInfo& store,
@@ -47,14 +47,14 @@ void refresh(const Context& context, const GraphQLStorageApi::StoreInfo& store,
   if (listener.status() == base::kHttpUnauthorized) {
     throw Failure(kStoreRefused,
                   store.apiUrl + " refused the refresh with HTTP status 401; " +
-                      "the stored tokens stay as they are",
-                  "bookstore sign-in");
+                      "the stored tokens are unchanged",
+                  "Run \"bookstore sign-in\"");
   }
   listener.throwIfAny(store.apiUrl);
   if (login.accessToken.empty()) {
     throw refused(store.apiUrl, login.errorInfo.message);
   }
-  requireTokensSaved(store.apiUrl + " gave new tokens", login.accessToken, login.refreshToken);
+  requireTokensSaved(store.apiUrl + " returned new tokens", login.accessToken, login.refreshToken);
 }
 
 }  // namespace
@@ -75,13 +75,13 @@ void runWhoami(Context& context) {
       info.firstname + " " + info.lastname + " <" + info.email + "> at " + nameOf(store), document);
 }
 
-// A refresh token can be spent once: of two processes that read the same one, the second finds the
-// tokens of the first.
+// A refresh token works once. Of two processes that read the same token, the second finds the
+// tokens that the first has saved.
 void runRefresh(Context& context) {
-  const std::string token = tokenToSpend(*context.storage);
+  const std::string token = storedRefreshToken(*context.storage);
   const SessionLock lock(context);
   context.storage->reload();
-  const bool isOurs = tokenToSpend(*context.storage) == token;
+  const bool isOurs = storedRefreshToken(*context.storage) == token;
   if (isOurs) {
     refresh(context, chooseStore(context), token);
   }
@@ -89,16 +89,15 @@ void runRefresh(Context& context) {
   Json::Value document;
   document["refreshed"] = isOurs;
   context.output.printResult(
-      isOurs ? "Refreshed the tokens" : "Another process has refreshed the tokens meanwhile",
-      document);
+      isOurs ? "Refreshed the tokens" : "Another process has just refreshed the tokens", document);
 }
 
 void runSignOut(Context& context) {
   const SessionLock lock(context);
-  context.storage->reload();  // another process may have changed it until the lock was free
+  context.storage->reload();  // another process may have changed it before the lock was free
   const bool wasSignedIn = context.storage->isLoggedIn();
   context.storage->logoutOnlyFromStore();
-  requireTokensSaved("the tokens were forgotten", "", "");
+  requireTokensSaved("the tokens were removed", "", "");
 
   Json::Value document;
   document["wasSignedIn"] = wasSignedIn;

@@ -17,19 +17,20 @@ namespace bookstore {
 namespace {
 
 Failure refusal(const std::string& what) {
-  return Failure(kStoreRefused, what + remainingSession(),
-                 "check address and password; where these are right, bookstore stores --refresh");
+  return Failure(
+      kStoreRefused, what + remainingSession(),
+      "Check the email address and the password; if they are correct, run \"bookstore stores "
+      "--refresh\"");
 }
 
-// Of an answer with this status the library passes on a number alone, where there is one.
+// For this status the library reports only a code, if the response has one.
 Failure unauthorized(const std::string& url, int code) {
   return refusal(url + " refused the sign-in with HTTP status 401" +
                  (code == 0 ? "" : " and code " + std::to_string(code)));
 }
 
 Failure refused(const std::string& url, const std::string& message) {
-  return refusal(url + " refused the sign-in" +
-                 (message.empty() ? ", and gave no reason" : ": " + message));
+  return refusal(withServerWords(url + " refused the sign-in", message));
 }
 
 GraphQLStorageApi::LoginInfo signIn(const Context& context,
@@ -46,7 +47,7 @@ GraphQLStorageApi::LoginInfo signIn(const Context& context,
   } catch (const Failure& failure) {
     throw Failure(failure.code(), failure.what() + remainingSession(), failure.remedy());
   }
-  if (login.accessToken.empty()) {  // `error` 0 does not tell that the sign-in went well
+  if (login.accessToken.empty()) {  // an `error` of 0 does not mean success
     throw refused(store.apiUrl, login.errorInfo.message);
   }
   return login;

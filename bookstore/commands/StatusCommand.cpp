@@ -30,23 +30,23 @@ struct Status {
   bool hasStoreListFile;
   std::string tokenFile;
   bool hasTokenFile;
-  std::optional<std::chrono::seconds> sinceTokenFileChanged;  // nothing without that file
+  std::optional<std::chrono::seconds> sinceTokenFileChanged;  // none without that file
   std::size_t storeCount;
   GraphQLStorageApi::StoreInfo currentStore;
   bool isSignedIn;
-  std::string tokenLifetime;  // as the store told it; empty when it told nothing
+  std::string tokenLifetime;  // as the store reported it; empty if it reported none
   int storeGeneration;
   std::string discoveryUrl;
 };
 
-// The library keeps this text without a way to ask for it.
+// The library stores this text, but has no function that returns it.
 std::string tokenLifetime() {
   const CfgWrapper file(base::kTokenPath, CfgWrapper::Read);
   return file.read<CfgSecret>(BookStoreVersionProxy::configKeyExpirationToken(), CfgSecret());
 }
 
 Status look(Context& context) {
-  // The identity is there from the first header build on.
+  // The library reads the identity when it first builds headers.
   graphql::graphQLHeaders(context.storage, {}, GraphQLStorageApi::None);
   Status status;
   status.root = base::rootFolder();
@@ -105,10 +105,10 @@ std::string storeText(const GraphQLStorageApi::StoreInfo& store) {
 }
 
 std::string lifetimeText(const std::string& lifetime) {
-  return lifetime.empty() ? "not told" : lifetime + " (as the store told it, in seconds)";
+  return lifetime.empty() ? "unknown" : lifetime + " (in seconds, as the store reported it)";
 }
 
-// When the tokens were received is kept nowhere; they are as old as this, or older.
+// The time at which the tokens were received is not stored; they are at least as old as this.
 std::string sinceText(const std::optional<std::chrono::seconds>& since) {
   return since ? std::to_string(since->count()) + " s ago" : "never";
 }

@@ -31,7 +31,7 @@ StoreInfoList storesWith(const StoreInfoList& stores, std::string StoreInfo::*me
 }  // namespace
 
 Failure noStoreKnown() {
-  return Failure(kNoSession, "no store is known", "bookstore stores --refresh");
+  return Failure(kNoSession, "the store list is empty", "Run \"bookstore stores --refresh\"");
 }
 
 StoreInfo findStore(const StoreInfoList& stores, const std::string& id) {
@@ -43,12 +43,12 @@ StoreInfo findStore(const StoreInfoList& stores, const std::string& id) {
     found = storesWith(stores, &StoreInfo::storeCode, id);
   }
   if (found.empty()) {
-    throw Failure(kNoSession, "no known store has the ID or the code '" + id + "'",
-                  "one of " + listOf(stores));
+    throw Failure(kNoSession, "no store has the ID or the code \"" + id + "\"",
+                  "Use one of " + listOf(stores));
   }
   if (found.size() > 1) {
-    throw Failure(kUsage, "'" + id + "' means more than one store",
-                  "an ID or a code of its own: " + listOf(found));
+    throw Failure(kUsage, "\"" + id + "\" matches more than one store",
+                  "Use the ID of one of " + listOf(found));
   }
   return found.front();
 }
@@ -66,8 +66,8 @@ StoreInfo chooseStore(const Context& context) {
     throw noStoreKnown();
   }
   if (stores.size() > 1) {
-    throw Failure(kUsage, "several stores are known, and none is the current one",
-                  "--store with one of " + listOf(stores));
+    throw Failure(kUsage, "there are several stores, and none of them is the current store",
+                  "Add --store with one of " + listOf(stores));
   }
   return stores.front();
 }

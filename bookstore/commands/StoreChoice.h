@@ -1,4 +1,4 @@
-// Which of the known stores a command works with. Holds no state; safe from any thread.
+// The store that a command uses. Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_COMMANDS_STORECHOICE_H_
 #define BOOKSTORE_COMMANDS_STORECHOICE_H_
@@ -10,16 +10,16 @@
 
 namespace bookstore {
 
-// The store list is empty where a store is needed.
+// The failure of a command that needs a store when the store list is empty.
 Failure noStoreKnown();
 
-// The one store whose providerID is `id` or, where there is none, whose storeCode is. Throws
-// Failure when no store is meant, or more than one.
+// The store whose providerID is `id` or, if there is none, whose storeCode is `id`. Throws Failure
+// for no store and for more than one.
 graphql::GraphQLStorageApi::StoreInfo findStore(
     const graphql::GraphQLStorageApi::StoreInfoList& stores, const std::string& id);
 
-// The store that --store names; without that option the current store, or else the only one known.
-// Throws Failure when that gives none. For commands whose row has --store.
+// The store that --store names; without that option, the current store or else the only store of
+// the list. Throws Failure when there is none. For commands whose row has --store.
 graphql::GraphQLStorageApi::StoreInfo chooseStore(const Context& context);
 
 // The store's name and ID, for people.

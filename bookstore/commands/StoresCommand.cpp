@@ -33,7 +33,7 @@ Json::Value toJson(const StoreInfo& store) {
   return value;
 }
 
-// What a file can be expected to give back: records without an address are dropped when it is read.
+// The records that the file returns: the library drops records without an address when it reads it.
 Json::Value keptRecords(const StoreInfoList& stores) {
   Json::Value kept(Json::arrayValue);
   for (const StoreInfo& store : stores) {
@@ -44,12 +44,13 @@ Json::Value keptRecords(const StoreInfoList& stores) {
   return kept;
 }
 
-// The library does not learn whether a file was written; reading it again tells.
+// The library does not report whether it could write the file.
 void requireSaved(const StoreInfoList& stores) {
   if (keptRecords(GraphQLStorageApi().storesList()) != keptRecords(stores)) {
-    throw Failure(kLocalFailure,
-                  "the stores arrived, but " + storeListFile() + " does not hold them",
-                  "see the log lines above, and whether that folder can be written and has room");
+    throw Failure(
+        kLocalFailure,
+        "the stores were received, but the file " + storeListFile() + " was not updated",
+        "See the log lines above, and check that its folder is writable and has free space");
   }
 }
 
@@ -58,11 +59,11 @@ StoreInfoList askForStores(Context& context) {
   StoreInfoList stores = send(context, url, [&] { return context.api.getStores(); });
   requireSaved(stores);
   if (stores.empty()) {
-    // Which of the two it was is not for the library's callers to see.
+    // The library reports both in the same way.
     throw Failure(kNoData,
-                  url + " answered without a list of stores, or with no open store in it; " +
-                      "the list in " + storeListFile() + " is empty now",
-                  "run it again with -v to see the answer");
+                  url + " returned no list of stores, or a list without an open store; " +
+                      storeListFile() + " is empty now",
+                  "Run the command again with -v to see the response");
   }
   return stores;
 }
@@ -75,7 +76,7 @@ StoreInfoList readStores(const Context& context) {
   return stores;
 }
 
-// The position of the current store; no position of the list when there is none.
+// The position of the current store; the size of the list when there is none.
 std::size_t currentPosition(const GraphQLStorageApi& storage) {
   return storage.currentStore().isValid() ? static_cast<std::size_t>(storage.currentStoreIndex())
                                           : storage.storesList().size();

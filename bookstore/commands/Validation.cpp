@@ -8,13 +8,13 @@ namespace bookstore {
 
 namespace {
 
-// The length of the character at `position`; 0 where none is that a request can carry.
+// The length of the character at `position`; 0 when a request cannot carry that.
 std::size_t characterLength(const std::string& text, std::size_t position) {
   const std::size_t length = base::printableLength(text, position);
   if (length != 0 || text[position] == '\0') {
     return length;
   }
-  // A control character: one byte, or the set that UTF-8 writes in two.
+  // A control character: one byte, or one of those that UTF-8 encodes in two.
   const auto first = static_cast<unsigned char>(text[position]);
   if (first < 0x80) {
     return 1;
@@ -31,10 +31,10 @@ void requireUtf8(const std::string& name, const std::string& text) {
     const std::size_t length = characterLength(text, at);
     if (length == 0) {
       std::string what = "the " + name;
-      what += text[at] == '\0' ? " holds a NUL" : " is not valid UTF-8";
+      what += text[at] == '\0' ? " contains a NUL" : " is not valid UTF-8";
       what += " at byte " + std::to_string(at + 1);
       throw Failure(kUsage, what,
-                    "text in UTF-8 without NUL: a request cannot carry another one unchanged");
+                    "Use UTF-8 text without NUL: a request can carry no other text unchanged");
     }
     at += length;
   }
@@ -42,16 +42,15 @@ void requireUtf8(const std::string& name, const std::string& text) {
 
 std::string utf8Option(const Arguments& arguments, const std::string& option) {
   std::string text = arguments.text(option);
-  requireUtf8("text after " + option, text);
+  requireUtf8("value of " + option, text);
   return text;
 }
 
 std::string validBookId(const Arguments& arguments) {
   std::string bookId = arguments.text("BOOK");
   if (!base::isValidBookId(bookId)) {
-    throw Failure(kUsage,
-                  "nothing was sent or queued: the book's identifier is not one that a store gives",
-                  "1 to 255 ASCII characters without blanks, quotes and backslashes, such as MTAz");
+    throw Failure(kUsage, "\"" + bookId + "\" cannot be the uid of a book",
+                  "Use 1 to 255 ASCII characters without spaces, quotation marks and backslashes");
   }
   return bookId;
 }

@@ -10,14 +10,14 @@
 
 namespace bookstore {
 
-// Throws Failure unless a request can carry `text` unchanged: UTF-8 without NUL. `name` says what
-// it is; the text itself is not shown.
+// Throws Failure unless `text` is UTF-8 without NUL, which a request can carry unchanged. The
+// message shows `name` and never the text.
 void requireUtf8(const std::string& name, const std::string& text);
 
-// The text that was given with an option such as "--first-name". Throws Failure as above.
+// The value of an option such as "--first-name". Throws Failure as above.
 std::string utf8Option(const Arguments& arguments, const std::string& option);
 
-// The book that was given as BOOK. Throws Failure unless base::isValidBookId().
+// The argument BOOK. Throws Failure unless base::isValidBookId().
 std::string validBookId(const Arguments& arguments);
 
 }  // namespace bookstore

@@ -48,7 +48,7 @@ void Output::note(const std::string& text) {
 }
 
 void Output::fail(const Failure& failure) {
-  printMessage(failure.what() + std::string("; try: ") + failure.remedy());
+  printMessage(failure.what() + (". " + failure.remedy()) + ".");
 }
 
 void Output::printMessage(const std::string& text) {

@@ -15,14 +15,14 @@ namespace bookstore {
 
 class Output {
  public:
-  // For people and with secrets masked, until told otherwise. Reads the streams of `terminal` as
-  // long as the object lives.
+  // Prints for people, with secrets masked, until changed. Uses the streams of `terminal` while the
+  // object lives.
   explicit Output(const Terminal& terminal);
 
   void setJson(bool isJson) { isJson_ = isJson; }
   void setShowSecrets(bool showsSecrets) { showsSecrets_ = showsSecrets; }
 
-  // True when data is for programs: one call of printJson() instead of print().
+  // True if the output is for programs: one call of printJson() instead of print().
   bool isJson() const { return isJson_; }
 
   const Terminal& terminal() const { return terminal_; }
@@ -30,25 +30,24 @@ class Output {
   void print(const Table& table);
   void print(const std::string& text);
 
-  // Prints the object `document`, to which it adds the number of its schema. The document is plain
-  // ASCII: other characters are escaped.
+  // Prints the object `document` with its schema number added. The output is ASCII: other
+  // characters are escaped.
   void printJson(Json::Value document);
 
-  // Prints one line for people, whose control characters become escapes, or `document` for
-  // programs.
+  // Prints one line for people, with control characters escaped, or `document` for programs.
   void printResult(const std::string& line, const Json::Value& document);
 
   // One line that does not change the exit code.
   void note(const std::string& text);
-  // One line: what failed and what to try.
+  // One line: what went wrong and what to do.
   void fail(const Failure& failure);
 
-  // The secret itself, or a mask; an empty one stays empty.
+  // The secret, or a mask; empty if the secret is empty.
   std::string secret(const std::string& value) const;
-  // The text with the secrets in it masked, unless they are to be shown.
+  // The text with its secrets masked, unless they are to be shown.
   std::string withoutSecrets(const std::string& text) const;
 
-  // Hands on what was printed. False when any of the data did not get out.
+  // Writes out what was printed. False if any of it could not be written.
   bool flush();
 
  private:

@@ -20,45 +20,45 @@ using Wakeup = base::BlockedSignals::Wakeup;
 
 Failure terminalFailure(const std::string& what) {
   return Failure(kUsage, what + ": " + std::generic_category().message(errno),
-                 "hand the password over with --password-stdin or --password-fd");
+                 "Use --password-stdin or --password-fd");
 }
 
-// The terminal shows nothing that is typed while the object lives.
-class Silence {
+// The terminal does not show what is typed while the object lives.
+class EchoOff {
  public:
-  explicit Silence(int terminal) : terminal_(terminal), before_() {
+  explicit EchoOff(int terminal) : terminal_(terminal), before_() {
     if (::tcgetattr(terminal_, &before_) != 0) {
-      throw terminalFailure("the terminal does not tell its settings");
+      throw terminalFailure("cannot read the terminal's settings");
     }
     termios silent = before_;
     silent.c_lflag &= ~static_cast<tcflag_t>(ECHO | ECHONL);
     if (::tcsetattr(terminal_, TCSAFLUSH, &silent) != 0) {
-      throw terminalFailure("the terminal does not switch its echo off");
+      throw terminalFailure("cannot turn off the terminal's echo");
     }
   }
-  ~Silence() { ::tcsetattr(terminal_, TCSAFLUSH, &before_); }
+  ~EchoOff() { ::tcsetattr(terminal_, TCSAFLUSH, &before_); }
 
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
+  EchoOff(const EchoOff&) = delete;
+  EchoOff& operator=(const EchoOff&) = delete;
 
  private:
   int terminal_;
   termios before_;
 };
 
-// A terminal that does not take the text shows in the read that follows.
+// If this fails, the next read fails, too.
 void show(int terminal, const std::string& text) {
   [[maybe_unused]] const ssize_t written = ::write(terminal, text.data(), text.size());
 }
 
-// The line that is typed; nothing when a signal came first.
+// The line that is typed; none when a signal arrives first.
 std::optional<std::string> readLine(int terminal, const base::BlockedSignals& signals) {
   std::string line;
   while (signals.wait(base::BlockedSignals::kForever, terminal) != Wakeup::Signal) {
     char byte = 0;
     const ssize_t count = ::read(terminal, &byte, 1);
     if (count < 0 && errno != EINTR) {
-      throw terminalFailure("the terminal cannot be read");
+      throw terminalFailure("cannot read from the terminal");
     }
     if (count == 0 || (count > 0 && byte == '\n')) {
       return line;
@@ -70,11 +70,11 @@ std::optional<std::string> readLine(int terminal, const base::BlockedSignals& si
   return std::nullopt;
 }
 
-// The objects end in this order: first the echo is back, then the signals take effect.
-std::optional<std::string> askOnce(int terminal, const std::string& question) {
+// The order of the objects matters: the echo is restored before the signals take effect.
+std::optional<std::string> askOnce(int terminal, const std::string& prompt) {
   const base::BlockedSignals signals({SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP});
-  const Silence silence(terminal);
-  show(terminal, question);
+  const EchoOff echoOff(terminal);
+  show(terminal, prompt);
   std::optional<std::string> line = readLine(terminal, signals);
   show(terminal, "\n");
   return line;
@@ -82,14 +82,14 @@ std::optional<std::string> askOnce(int terminal, const std::string& question) {
 
 }  // namespace
 
-std::string askForPassword(const std::string& question) {
+std::string askForPassword(const std::string& prompt) {
   const base::Descriptor terminal(::open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (!terminal.isOpen()) {
-    throw terminalFailure("there is no terminal to ask on");
+    throw terminalFailure("there is no terminal for the password prompt");
   }
   for (;;) {
-    // Asked again when the process goes on after a signal: it was only stopped.
-    if (const std::optional<std::string> line = askOnce(terminal.get(), question)) {
+    // Prompts again when the process continues after a signal that stopped it.
+    if (const std::optional<std::string> line = askOnce(terminal.get(), prompt)) {
       return *line;
     }
   }

@@ -1,5 +1,4 @@
-// Asks the person at the terminal for a text that must not show there. For the main thread, while
-// the process has no other one.
+// Prompts for a password without echo. For the main thread of a process without other threads.
 
 #ifndef BOOKSTORE_TERMINAL_PASSWORDPROMPT_H_
 #define BOOKSTORE_TERMINAL_PASSWORDPROMPT_H_
@@ -8,11 +7,10 @@
 
 namespace bookstore {
 
-// Shows `question` on the terminal of the process, whatever its standard streams are, and returns
-// the line that is typed, without the line end. Echo is off meanwhile and back on however it ends,
-// signals such as that of Ctrl-C included: they take effect right after. Throws Failure when there
-// is no terminal or no line.
-std::string askForPassword(const std::string& question);
+// Shows `prompt` on the terminal of the process, whatever its standard streams are, and returns the
+// line that is typed, without the line end. The echo is restored in every case, also before a
+// signal such as that of Ctrl-C takes effect. Throws Failure when there is no terminal or no line.
+std::string askForPassword(const std::string& prompt);
 
 }  // namespace bookstore
 

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kBarWidth = 20;
 constexpr std::size_t kTitleWidth = 40;
 
-// Only whole characters: what is left of half of one would not print.
+// Cuts only between characters: a part of one would not print.
 std::string cut(const std::string& text) {
   if (displayWidth(text) <= kTitleWidth) {
     return text;
@@ -28,7 +28,7 @@ std::string cut(const std::string& text) {
 }  // namespace
 
 std::string progressBar(std::size_t done, std::size_t all, const std::string& title) {
-  const std::size_t pieces = std::max(all, done + 1);  // the one at work is one of them
+  const std::size_t pieces = std::max(all, done + 1);  // includes the current one
   const std::size_t filled = kBarWidth * done / pieces;
   return "[" + std::string(filled, '#') + std::string(kBarWidth - filled, '-') + "] " +
          std::to_string(done + 1) + " of " + std::to_string(pieces) + "  " +

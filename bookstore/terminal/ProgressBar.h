@@ -1,4 +1,4 @@
-// How far a longer work has come, on one line. Holds no state; safe from any thread.
+// The progress of a longer task, on one line. Holds no state; safe from any thread.
 
 #ifndef BOOKSTORE_TERMINAL_PROGRESSBAR_H_
 #define BOOKSTORE_TERMINAL_PROGRESSBAR_H_
@@ -8,8 +8,8 @@
 
 namespace bookstore {
 
-// A bar filled as far as `done` of `all` pieces are done, the number of the piece that is at work,
-// and `title`, which says what that is: cut at 40 columns, its control characters made visible.
+// A bar for `done` of `all` pieces, the number of the current piece, and its `title`, cut at 40
+// columns and with control characters escaped.
 std::string progressBar(std::size_t done, std::size_t all, const std::string& title);
 
 }  // namespace bookstore

@@ -49,8 +49,7 @@ void Spinner::turn() {
   }
 }
 
-// The cursor goes back to the first column: a line of the log, which the library writes meanwhile,
-// covers the spinner instead of following it.
+// Moves the cursor back to the first column, so that a log line overwrites the spinner.
 void Spinner::draw(std::size_t step) {
   err_ << kShapes[step % sizeof(kShapes)] << ' ' << text_ << '\r' << std::flush;
 }

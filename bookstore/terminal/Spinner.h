@@ -1,4 +1,4 @@
-// Shows that the program is at work while a request keeps its thread waiting.
+// Shows that the program is busy while a request blocks its thread.
 
 #ifndef BOOKSTORE_TERMINAL_SPINNER_H_
 #define BOOKSTORE_TERMINAL_SPINNER_H_
@@ -13,12 +13,12 @@
 
 namespace bookstore {
 
-// Turns, on a thread of its own, from construction to destruction, which takes it off the line. In
-// between nobody else writes to the terminal's streams.
+// Turns, on its own thread, from construction to destruction, which clears its line. While it
+// turns, only the library's log may write to the terminal's streams.
 class Spinner {
  public:
-  // Writes to `terminal.err`, which must outlive the object; nothing at all where that is no
-  // terminal, or one that cannot move its cursor. `text` stands beside the spinner.
+  // Writes `text` beside the spinner to `terminal.err`, which must outlive the object. Writes
+  // nothing if that is not a terminal, or a terminal that cannot move its cursor.
   Spinner(const Terminal& terminal, const std::string& text);
   ~Spinner();
 

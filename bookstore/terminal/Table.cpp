@@ -10,8 +10,8 @@ namespace bookstore {
 
 namespace {
 
-// While the object lives, the calling thread takes multibyte characters as UTF-8, whatever locale
-// the process is in: the texts are UTF-8 everywhere.
+// While the object lives, the calling thread reads multibyte characters as UTF-8, whatever the
+// locale of the process: all texts are UTF-8.
 class Utf8Characters {
  public:
   Utf8Characters()

@@ -9,20 +9,19 @@
 
 namespace bookstore {
 
-// The columns that UTF-8 text takes on a terminal: two for wide characters, none for combining
-// ones. A byte that is not UTF-8 counts as one.
+// The columns that UTF-8 text takes on a terminal: two for a wide character, none for a combining
+// one, and one for a byte that is not UTF-8.
 std::size_t displayWidth(const std::string& text);
 
 class Table {
  public:
-  // A table with this line of titles; without titles when there are none.
+  // A table with this row of titles; empty for no titles.
   explicit Table(const std::vector<std::string>& titles = {});
 
-  // Copies the cells. What would do something to a terminal becomes visible as an escape: the texts
-  // come from the network.
+  // Copies the cells and escapes control characters: the texts come from the network.
   void addRow(const std::vector<std::string>& cells);
 
-  // The lines, two blanks between columns and none at the end; the titles in bold where `isBold`.
+  // The lines, with two spaces between columns and none at the end; the titles in bold if `isBold`.
   std::string text(bool isBold) const;
 
  private:

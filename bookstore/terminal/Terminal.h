@@ -1,4 +1,4 @@
-// Where the program writes, and what a person's terminal there can show. Used by one thread.
+// The streams that the program writes to, and what a terminal can show. Used by one thread.
 
 #ifndef BOOKSTORE_TERMINAL_TERMINAL_H_
 #define BOOKSTORE_TERMINAL_TERMINAL_H_
@@ -14,15 +14,15 @@ struct Terminal {
   bool errIsTerminal;
 };
 
-// True when the terminal moves its cursor where it is told: TERM is set and not "dumb".
+// True if the terminal can move its cursor: TERM is set, and not to "dumb".
 bool movesCursor();
 
-// True when the person wants colour: the terminal can, and NO_COLOR is unset or empty.
+// True if output is coloured: the terminal can move its cursor, and NO_COLOR is unset or empty.
 bool wantsColor();
 
-// Gives each standard stream that the caller closed a descriptor on which it fails, so that no file
-// or connection opened later takes its number and receives what was meant for the stream. For the
-// main thread, before anything else.
+// Opens a descriptor that fails for each standard stream that the caller closed. Otherwise a file
+// or connection that is opened later gets the stream's number, and receives the stream's text.
+// Called by the main thread, before anything else.
 void occupyStandardStreams();
 
 }  // namespace bookstore

@@ -165,7 +165,7 @@ int HttpTransfer::perform() {
   if (thrown_) {
     std::rethrow_exception(thrown_);
   }
-  return report(request_, failureOf(code, curl_, bodyBytes_ > settings_.maxAnswerBytes));
+  return report(request_, failureOf(code, curl_, bodyBytes_ > settings_.maxResponseBytes));
 }
 
 void HttpTransfer::setRoute() {
@@ -207,7 +207,7 @@ std::size_t HttpTransfer::onWrite(char* data, std::size_t size, std::size_t coun
   HttpTransfer& self = *static_cast<HttpTransfer*>(transfer);
   const std::size_t length = size * count;
   self.bodyBytes_ += length;
-  if (self.bodyBytes_ > self.settings_.maxAnswerBytes) {
+  if (self.bodyBytes_ > self.settings_.maxResponseBytes) {
     return CURL_WRITEFUNC_ERROR;
   }
   try {

@@ -38,7 +38,7 @@ TEST(FailureTest, ATransferFailureNamesReasonPlaceAndRemedy) {
   const Failure failure = transferFailure(CURLE_COULDNT_CONNECT, 0, kUrl);
   EXPECT_EQ(failure.code(), bookstore::kTransferFailed);
   EXPECT_STREQ(failure.what(),
-               "the transfer to https://a.example/graphql failed: no connection to the server (7)");
+               "the request to https://a.example/graphql failed: no connection to the server (7)");
   EXPECT_THAT(failure.remedy(), HasSubstr("ORVANE_CONNECT_TO"));
 }
 
@@ -81,7 +81,7 @@ TEST(FailureTest, ARecordWithoutAnErrorIsNoFailure) {
 TEST(FailureTest, ARecordWithTheStoresErrorTellsItsWords) {
   const Failure failure = failureOf(info(1, 0, "no such customer"));
   EXPECT_EQ(failure.code(), bookstore::kStoreRefused);
-  EXPECT_THAT(failure.what(), HasSubstr("answered with an error: no such customer"));
+  EXPECT_THAT(failure.what(), HasSubstr("refused the request (no such customer)"));
 }
 
 TEST(FailureTest, ARecordOfAFailedRequestTellsStatusAndResultApart) {

@@ -92,17 +92,17 @@ TEST_F(ProgramTest, ReportsAFaultyLogLevelOnceThoughThePlatformReadsItToo) {
 
 TEST_F(ProgramTest, ReportsAStandardOutputThatIsClosed) {
   EXPECT_EQ(shell("$bookstore status >&-"), bookstore::kLocalFailure);
-  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: Bad file descriptor"));
+  EXPECT_THAT(printed, HasSubstr("cannot write to standard output: Bad file descriptor"));
 }
 
 TEST_F(ProgramTest, ReportsAStandardOutputThatIsFull) {
   EXPECT_EQ(shell("$bookstore status >/dev/full"), bookstore::kLocalFailure);
-  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: No space left on device"));
+  EXPECT_THAT(printed, HasSubstr("cannot write to standard output: No space left on device"));
 }
 
 TEST_F(ProgramTest, ReportsAReaderThatIsGone) {
   EXPECT_EQ(shell("exec 3> >(:); wait $!; $bookstore status >&3"), bookstore::kLocalFailure);
-  EXPECT_THAT(printed, HasSubstr("standard output cannot be written: Broken pipe"));
+  EXPECT_THAT(printed, HasSubstr("cannot write to standard output: Broken pipe"));
 }
 
 TEST_F(ProgramTest, DoesItsJobWithoutAnyStream) {

@@ -64,18 +64,18 @@ TEST_F(RunTest, EndsWith1WhenTheStoreAnsweredWithAnError) {
             }),
             1);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_THAT(err, AllOf(StartsWith("bookstore: https://de.example/graphql answered with an error: "
-                                    "no such customer; try: "),
+  EXPECT_THAT(err, AllOf(StartsWith("bookstore: https://de.example/graphql refused the request ("
+                                    "no such customer). Correct "),
                          EndsWith("\n")));
 }
 
 TEST_F(RunTest, EndsWith2OnWrongUsage) {
   EXPECT_EQ(run({"stores", "--bogus"}), 2);
-  EXPECT_THAT(err, AllOf(HasSubstr("--bogus"), HasSubstr("; try: bookstore stores --help\n")));
+  EXPECT_THAT(err, AllOf(HasSubstr("--bogus"), HasSubstr(". Run \"bookstore stores --help\".\n")));
   EXPECT_EQ(run({"sing"}), 2);
-  EXPECT_THAT(err, AllOf(HasSubstr("sing"), HasSubstr("; try: bookstore --help\n")));
+  EXPECT_THAT(err, AllOf(HasSubstr("sing"), HasSubstr(". Run \"bookstore --help\".\n")));
   EXPECT_EQ(run({}), 2);
-  EXPECT_EQ(err, "bookstore: a command is missing; try: bookstore --help\n");
+  EXPECT_EQ(err, "bookstore: a command is missing. Run \"bookstore --help\".\n");
   EXPECT_THAT(out, IsEmpty());
 }
 
@@ -97,8 +97,8 @@ TEST_F(RunTest, EndsWith5WhenTheAnswerLacksTheData) {
 TEST_F(RunTest, EndsWith5OnAnExceptionOfTheJsonLibrary) {
   serverAnswers(std::string(2000, '['));
   EXPECT_EQ(run({"stores", "--refresh"}), 5);
-  EXPECT_THAT(err, AllOf(StartsWith("bookstore: the store's answer holds what cannot be read: "),
-                         HasSubstr("; try: run it again with -v")));
+  EXPECT_THAT(err, AllOf(StartsWith("bookstore: the store's response cannot be read ("),
+                         HasSubstr(". Run the command again with -v")));
 }
 
 TEST_F(RunTest, EndsWith6WithoutAStore) {
@@ -109,7 +109,7 @@ TEST_F(RunTest, EndsWith7OnAnyOtherException) {
   fake::platform().throwAt("CfgWrapper");
   EXPECT_EQ(run({"stores"}), 7);
   EXPECT_THAT(err, AllOf(StartsWith("bookstore: unexpected failure: CfgWrapper was arranged"),
-                         HasSubstr("; try: check the files below " + root.path())));
+                         HasSubstr(". Check the files below " + root.path())));
   EXPECT_EQ(runCommandThat([](Context&) { throw 1; }), 7);
   EXPECT_THAT(err, StartsWith("bookstore: unexpected failure: "));
 }
@@ -118,7 +118,7 @@ TEST_F(RunTest, EndsWith7WhenTheOutputCannotBeWritten) {
   std::ostream broken(nullptr);
   std::ostringstream messages;
   EXPECT_EQ(bookstore::run({"status"}, {broken, messages, false, false}), 7);
-  EXPECT_THAT(messages.str(), HasSubstr("standard output cannot be written"));
+  EXPECT_THAT(messages.str(), HasSubstr("cannot write to standard output"));
   std::ostream brokenToo(nullptr);
   EXPECT_EQ(bookstore::run({"--help"}, {brokenToo, messages, false, false}), 7);
 }
@@ -187,7 +187,7 @@ TEST_F(RunTest, TakesCommandsInGroupsAndPositionalArguments) {
   EXPECT_EQ(run({"sample", "add", "b1", "--path", "/s/1"}, table), 0);
   EXPECT_EQ(out, "added b1 /s/1");
   EXPECT_EQ(run({"sample"}, table), 2);
-  EXPECT_EQ(err, "bookstore: a command is missing; try: bookstore sample --help\n");
+  EXPECT_EQ(err, "bookstore: a command is missing. Run \"bookstore sample --help\".\n");
   EXPECT_EQ(run({"sample", "add"}, table), 2);
   EXPECT_EQ(run({"sample", "--help"}, table), 0);
   EXPECT_THAT(out, HasSubstr("Adds one"));
@@ -236,14 +236,14 @@ TEST_F(RunTest, DryRunMasksSecretsUnlessAsked) {
 
 TEST_F(RunTest, DryRunIsWrongUsageWhereNothingIsSent) {
   EXPECT_EQ(run({"status", "--dry-run", "--curl"}), 2);
-  EXPECT_THAT(err, HasSubstr("'status' sends no request to show; try: leave out"));
+  EXPECT_THAT(err, HasSubstr("\"status\" sends no request. Omit --dry-run and --curl."));
   EXPECT_EQ(run({"stores", "--dry-run", "--curl"}), 2);
-  EXPECT_THAT(err, HasSubstr("'stores' sends no request to show: it only does with --refresh"));
+  EXPECT_THAT(err, HasSubstr("\"stores\" sends a request only with --refresh"));
 }
 
 TEST_F(RunTest, DryRunAndCurlGoTogether) {
   EXPECT_EQ(run({"stores", "--refresh", "--dry-run"}), 2);
-  EXPECT_THAT(err, HasSubstr("--dry-run and --curl go together"));
+  EXPECT_THAT(err, HasSubstr("--dry-run and --curl must be used together"));
   EXPECT_EQ(run({"stores", "--refresh", "--curl"}), 2);
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }
@@ -280,7 +280,7 @@ TEST_F(RunTest, AFailureIsOneLineWithoutSecretsAndControlCharacters) {
   };
   EXPECT_EQ(runCommandThat(refuse), 1);
   EXPECT_THAT(err, AllOf(Not(HasSubstr("abc")), Not(HasSubstr("\033")), HasSubstr("\\n"),
-                         EndsWith("; try: nothing\n")));
+                         EndsWith(". nothing.\n")));
 }
 
 TEST_F(RunTest, ColoursTitlesAndMessagesOnATerminalOnly) {

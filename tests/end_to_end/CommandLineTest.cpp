@@ -116,10 +116,10 @@ INSTANTIATE_TEST_SUITE_P(Line, CommandLineTest, ::testing::Values("old", "new"),
 TEST_P(CommandLineTest, ACustomerLivesWithTheStore) {
   const std::string german = "Bücherwelt Deutschland (bookstore-de)\n";
   EXPECT_EQ(run({"email-available", "--store", "de_de", "--email", email}).output,
-            email + " can be registered at " + german);
+            email + " is available at " + german);
   EXPECT_EQ(registerCustomer().output, "Registered " + email + " at " + german);
   EXPECT_EQ(run({"email-available", "--store", "de_de", "--email", email}).output,
-            email + " is taken at " + german);
+            email + " is already registered at " + german);
   EXPECT_EQ(signIn().output, "Signed in as " + email + " at " + german);
   noteTokens();
   // Every command is a new process: from here on the token file tells the rest.
@@ -142,7 +142,7 @@ TEST_P(CommandLineTest, AWrongPasswordIsARefusedSignIn) {
   EXPECT_EQ(refused.code, 1);
   EXPECT_THAT(refused.output,
               HasSubstr(isNewLine() ? "refused the sign-in with HTTP status 401; nobody is"
-                                    : "refused the sign-in: The account sign-in was incorrect"));
+                                    : "refused the sign-in (The account sign-in was incorrect"));
   EXPECT_FALSE(GraphQLStorageApi().isLoggedIn());
 }
 
@@ -168,7 +168,7 @@ TEST_P(CommandLineTest, AnExpiredSessionSaysHowToGoOn) {
   store().change(R"({"clockOffsetSeconds":7200})");
   const Ended ended = run({"whoami"});
   EXPECT_EQ(ended.code, isNewLine() ? 6 : 5);
-  EXPECT_THAT(ended.output, HasSubstr("try: bookstore refresh, or sign in again"));
+  EXPECT_THAT(ended.output, HasSubstr("Run \"bookstore refresh\" or \"bookstore sign-in\""));
   EXPECT_EQ(run({"refresh"}).code, 0);
   EXPECT_EQ(run({"whoami"}).code, 0);
 }
@@ -178,8 +178,8 @@ TEST_P(CommandLineTest, ARefusedRefreshSaysWhatBecameOfTheTokens) {
   store().change(R"({"clockOffsetSeconds":3000000})");  // the refresh token has expired, too
   const Ended refused = run({"refresh"});
   EXPECT_EQ(refused.code, 1);
-  EXPECT_THAT(refused.output, HasSubstr(isNewLine() ? "; the stored tokens stay as they are"
-                                                    : "; the stored tokens are emptied"));
+  EXPECT_THAT(refused.output, HasSubstr(isNewLine() ? "; the stored tokens are unchanged"
+                                                    : "; the stored tokens are removed"));
   EXPECT_EQ(GraphQLStorageApi().isLoggedIn(), isNewLine());
 }
 

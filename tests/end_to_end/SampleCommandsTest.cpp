@@ -121,7 +121,7 @@ TEST_P(SampleCommandsTest, CtrlCStopsTheWorkAndLosesNothing) {
   EXPECT_EQ(ended.code, 128 + SIGINT);
   EXPECT_THAT(ended.output,
               AllOf(HasSubstr("\nKleine Kunde vom Schnee  Anton Weiler  EUR 12.00  MTAz\n"),
-                    HasSubstr("bookstore: stopped; samples that stay in the queue: 1\n")));
+                    HasSubstr("bookstore: stopped; samples left in the queue: 1\n")));
   EXPECT_EQ(run({"sample", "list"}).output, "BOOK  FILE\nMTAx  /mnt/ext1/books/2\n");
   EXPECT_THAT(run({"sample", "work"}).output, Not(IsEmpty()));
   EXPECT_EQ(run({"sample", "list"}).output, "The queue is empty\n");

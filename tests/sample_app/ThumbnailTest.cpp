@@ -42,7 +42,7 @@ TEST_F(ThumbnailTest, IsNamedAfterItsBytes) {
 
 TEST_F(ThumbnailTest, WhatIsNoPictureIsNone) {
   for (const char* body : {"", "<html>", "PNG", "RIFF1234WAVE", "RIFF", "GIF8"}) {
-    EXPECT_THAT(fetch(body).problem, HasSubstr("is none")) << body;
+    EXPECT_THAT(fetch(body).problem, HasSubstr("is not a PNG, JPEG, GIF or WebP image")) << body;
     EXPECT_EQ(fetch(body).bytes, "");
   }
 }

@@ -225,7 +225,7 @@ TEST_F(WorkerTest, WaitsLongerAndLongerForTheNetworkAndKeepsTheItem) {
   EXPECT_THAT(waiter.waits, ElementsAre(1000, 2000, 4000, 8000, 16000, 32000, 60000, 60000));
   EXPECT_THAT(queued(), ElementsAre("b1@/mnt/ext1/books/1"));
   EXPECT_THAT(platform().logTexts(kFailureLevel),
-              ::testing::Contains(HasSubstr("cannot be reached; it is tried again")).Times(1));
+              ::testing::Contains(HasSubstr("cannot be reached; retrying")).Times(1));
 }
 
 TEST_F(WorkerTest, GoesOnWhenTheNetworkIsBack) {
@@ -274,7 +274,7 @@ TEST_F(WorkerTest, WithoutAFirstWaitItLeavesAtAnItemThatHasToWait) {
               ElementsAre("begins b1", "postponed 0: the store cannot be reached"));
   platform().http.answer(503, "");
   EXPECT_THAT(hear(End::Postponed),
-              ElementsAre("begins b1", "postponed 1: the store answers with status 503"));
+              ElementsAre("begins b1", "postponed 1: the store returns HTTP status 503"));
   root.put(kJournalPath + std::string("/in the way"), "");
   EXPECT_THAT(hear(End::Postponed),
               ElementsAre("postponed 2: the journal of the queue cannot be used"));

@@ -60,7 +60,7 @@ TEST_F(AccountCommandsTest, RegisterShowsARefusalInTheServersWords) {
   serverAnswers(R"({"errors":[{"message":"A customer with the same address exists."}]})");
   EXPECT_EQ(registerAda(), bookstore::kStoreRefused);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_THAT(err, HasSubstr(url + " answered with an error: A customer with the same address"));
+  EXPECT_THAT(err, HasSubstr(url + " refused the request (A customer with the same address"));
 }
 
 TEST_F(AccountCommandsTest, RegisterNamesStatusAndFailedTransfer) {
@@ -75,10 +75,10 @@ TEST_F(AccountCommandsTest, RegisterNamesStatusAndFailedTransfer) {
 TEST_F(AccountCommandsTest, RegisterRefusesNamesThatARequestCannotCarry) {
   expectNothingDone({"register", "--email", "a", "--first-name", "\xff", "--last-name", "b"},
                     bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("the text after --first-name is not valid UTF-8 at byte 1"));
+  EXPECT_THAT(err, HasSubstr("the value of --first-name is not valid UTF-8 at byte 1"));
   expectNothingDone({"register", "--email", "a", "--first-name", "b", "--last-name", "\xff"},
                     bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("the text after --last-name is not valid UTF-8 at byte 1"));
+  EXPECT_THAT(err, HasSubstr("the value of --last-name is not valid UTF-8 at byte 1"));
 }
 
 TEST_F(AccountCommandsTest, NoPasswordIsTakenFromTheArguments) {
@@ -98,10 +98,10 @@ TEST_F(AccountCommandsTest, RegisterShowsTheRequestOfADryRunWithThePasswordMaske
 TEST_F(AccountCommandsTest, EmailAvailableTellsBothAnswers) {
   serverAnswers(R"({"data":{"isEmailAvailable":{"is_email_available":true}}})");
   EXPECT_EQ(emailAvailable(), bookstore::kDone);
-  EXPECT_EQ(out, "ada@de.example can be registered at Buch (de)\n");
+  EXPECT_EQ(out, "ada@de.example is available at Buch (de)\n");
   serverAnswers(R"({"data":{"isEmailAvailable":{"is_email_available":false}}})");
   EXPECT_EQ(emailAvailable(), bookstore::kDone);
-  EXPECT_EQ(out, "ada@de.example is taken at Buch (de)\n");
+  EXPECT_EQ(out, "ada@de.example is already registered at Buch (de)\n");
 }
 
 TEST_F(AccountCommandsTest, EmailAvailableGivesProgramsTheSame) {
@@ -119,7 +119,8 @@ TEST_F(AccountCommandsTest, EmailAvailableGivesProgramsTheSame) {
 TEST_F(AccountCommandsTest, EmailAvailableNamesAnAnswerWithoutAWordAboutIt) {
   serverAnswers("{}");
   EXPECT_EQ(emailAvailable(), bookstore::kNoData);
-  EXPECT_THAT(err, HasSubstr("a status other than 200 or without a word about the address"));
+  EXPECT_THAT(
+      err, HasSubstr("an HTTP status other than 200, or a response without the expected data. "));
   serverAnswers("{}", 500);  // of which the library does not tell
   EXPECT_EQ(emailAvailable(), bookstore::kNoData);
 }
@@ -135,7 +136,7 @@ TEST_F(AccountCommandsTest, EmailAvailableNamesFailedTransferAndUnreadableAnswer
 TEST_F(AccountCommandsTest, ResetPasswordSaysWhatWasAskedFor) {
   serverAnswers(R"({"data":{"requestPasswordResetEmail":true}})");
   EXPECT_EQ(resetPassword(), bookstore::kDone);
-  EXPECT_EQ(out, "Buch (de) was asked to mail a link to ada@de.example\n");
+  EXPECT_EQ(out, "Buch (de) was asked to email a link to ada@de.example\n");
   serverAnswers(R"({"data":{"requestPasswordResetEmail":true}})");
   EXPECT_EQ(resetPassword({"--json"}), bookstore::kDone);
   EXPECT_EQ(json()["schema"], 1);
@@ -146,7 +147,7 @@ TEST_F(AccountCommandsTest, ResetPasswordSaysWhatWasAskedFor) {
 TEST_F(AccountCommandsTest, ResetPasswordShowsARefusalInTheServersWords) {
   serverAnswers(R"({"errors":[{"message":"Cannot reset it."}]})");
   EXPECT_EQ(resetPassword(), bookstore::kStoreRefused);
-  EXPECT_THAT(err, HasSubstr("answered with an error: Cannot reset it."));
+  EXPECT_THAT(err, HasSubstr("refused the request (Cannot reset it.). Correct"));
 }
 
 TEST_F(AccountCommandsTest, ResetPasswordNamesStatusAndFailedTransfer) {
@@ -155,13 +156,13 @@ TEST_F(AccountCommandsTest, ResetPasswordNamesStatusAndFailedTransfer) {
   EXPECT_THAT(err, HasSubstr("HTTP status 403"));
   fake::platform().http.failTransfer(52);  // the library reports this one in its record alone
   EXPECT_EQ(resetPassword(), bookstore::kTransferFailed);
-  EXPECT_THAT(err, HasSubstr("without an answer (52)"));
+  EXPECT_THAT(err, HasSubstr("without a response (52)"));
 }
 
 TEST_F(AccountCommandsTest, TheOthersRefuseAddressesThatARequestCannotCarry) {
   for (const char* command : {"email-available", "reset-password"}) {
     EXPECT_EQ(run({command, "--email", "\xff"}), bookstore::kUsage);
-    EXPECT_THAT(err, HasSubstr("the text after --email is not valid UTF-8"));
+    EXPECT_THAT(err, HasSubstr("the value of --email is not valid UTF-8"));
   }
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }

@@ -85,25 +85,25 @@ TEST_F(HeadersCommandTest, RefusesACodeThatTwoStoresHave) {
   fileHolds({store("one", "de_de"), store("two", "de_de"), store("uk", "en_gb")});
   EXPECT_EQ(headers("de_de", "none"), bookstore::kUsage);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_THAT(err, HasSubstr("'de_de' means more than one store; try: an ID or a code of its own: "
-                             "one (de_de), two (de_de)\n"));
+  EXPECT_THAT(err, HasSubstr("\"de_de\" matches more than one store. Use the ID of one of "
+                             "one (de_de), two (de_de).\n"));
 }
 
 TEST_F(HeadersCommandTest, ListsTheKnownStoresWhenNoneHasTheId) {
   fileHolds({store("de", "de_de"), store("uk", "en_gb")});
   EXPECT_EQ(headers("fr", "none"), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("ID or the code 'fr'; try: one of de (de_de), uk (en_gb)\n"));
+  EXPECT_THAT(err, HasSubstr("ID or the code \"fr\". Use one of de (de_de), uk (en_gb).\n"));
 }
 
 TEST_F(HeadersCommandTest, WithoutStoresSaysHowToGetThem) {
   EXPECT_EQ(headers("de", "none"), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("no store is known; try: bookstore stores --refresh"));
+  EXPECT_THAT(err, HasSubstr("the store list is empty. Run \"bookstore stores --refresh\""));
 }
 
 TEST_F(HeadersCommandTest, NeedsACustomerForTheCustomersCredentials) {
   fileHolds({store("de", "de_de")});
   EXPECT_EQ(headers("de", "customer"), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("not signed in: there is no access token; try: sign in first"));
+  EXPECT_THAT(err, HasSubstr("there is no access token. Run \"bookstore sign-in\", or use"));
   customerAt(store("de", "de_de"), "access", "");
   EXPECT_EQ(headers("de", "customer"), bookstore::kDone);
   EXPECT_EQ(headers("de", "refresh"), bookstore::kNoSession);
@@ -118,13 +118,13 @@ TEST_F(HeadersCommandTest, NeedsAnIntegrationTokenForTheIntegration) {
   without.integrationToken.clear();
   fileHolds({without});
   EXPECT_EQ(headers("de", "integration"), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("the store de has no integration token; try: "));
+  EXPECT_THAT(err, HasSubstr("the store de has no integration token. Run "));
 }
 
 TEST_F(HeadersCommandTest, RefusesATypeThatThereIsNot) {
   EXPECT_EQ(headers("de", "bearer"), bookstore::kUsage);
   EXPECT_THAT(err, AllOf(HasSubstr("--type"), HasSubstr("none,integration,customer,refresh"),
-                         HasSubstr("try: bookstore headers --help")));
+                         HasSubstr(". Run \"bookstore headers --help\"")));
 }
 
 TEST_F(HeadersCommandTest, NeedsStoreAndType) {

@@ -73,22 +73,22 @@ TEST_F(PasswordTest, ReadsStandardInput) {
 TEST_F(PasswordTest, RefusesWhatIsNoDescriptor) {
   for (const char* text : {"", "x", "3x", "-1", " 3", "99999999999"}) {
     arguments.set("--password-fd", text);
-    expectRefused("'" + std::string(text) + "' is no file descriptor");
+    expectRefused("\"" + std::string(text) + "\" is not a file descriptor");
   }
   arguments.set("--password-fd", "987");
-  expectRefused("file descriptor 987 cannot be read: Bad file descriptor");
+  expectRefused("cannot read file descriptor 987: Bad file descriptor");
 }
 
 TEST_F(PasswordTest, RefusesTwoSources) {
   arguments.set("--password-stdin", "");
   arguments.set("--password-fd", "3");
-  expectRefused("exclude each other");
+  expectRefused("cannot be used together");
 }
 
 TEST_F(PasswordTest, RefusesAFileThatIsNoPassword) {
   const base::Descriptor endless(::open("/dev/zero", O_RDONLY));
   arguments.set("--password-fd", std::to_string(endless.get()));
-  expectRefused("gives more than a password");
+  expectRefused("the input has more than 1 MiB");
 }
 
 TEST_F(PasswordTest, RefusesATerminalThatWouldShowIt) {
@@ -100,6 +100,6 @@ TEST_F(PasswordTest, RefusesATerminalThatWouldShowIt) {
 TEST_F(PasswordTest, NeedsATerminalToAskOn) {
   EXPECT_TRUE(support::passesInNewProcess([this] {
     ::setsid();
-    expectRefused("there is no terminal to ask on");
+    expectRefused("there is no terminal for the password prompt");
   }));
 }

@@ -56,9 +56,9 @@ TEST_F(SampleAddCommandTest, GivesProgramsTheSame) {
 
 TEST_F(SampleAddCommandTest, WarnsWhenNothingWouldWorkOnTheQueue) {
   signedIn();
-  const std::string warning = "bookstore: nothing works on the queue: there is no program at " +
-                              root.path() + kApplication +
-                              "; try: put the application there, or bookstore sample work\n";
+  const std::string warning =
+      "bookstore: no program processes the queue: " + root.path() + kApplication +
+      " is missing. Install the application there, or run \"bookstore sample work\".\n";
   EXPECT_EQ(run({"sample", "add", "b1", kFile}), bookstore::kDone);
   EXPECT_EQ(err, warning);
   root.put(kApplication, "");  // but it cannot be run
@@ -69,12 +69,14 @@ TEST_F(SampleAddCommandTest, WarnsWhenNothingWouldWorkOnTheQueue) {
 TEST_F(SampleAddCommandTest, SaysThatTheSampleWaitsForSomebodyToSignIn) {
   applicationIsInstalled();
   EXPECT_EQ(run({"sample", "add", "b1", kFile}), bookstore::kDone);
-  EXPECT_THAT(err, HasSubstr("nobody is signed in, so the sample waits; try: bookstore sign-in"));
+  EXPECT_THAT(
+      err,
+      HasSubstr("the sample stays in the queue: nobody is signed in. Run \"bookstore sign-in\""));
   EXPECT_THAT(queued(), SizeIs(1));
 }
 
 TEST_F(SampleAddCommandTest, RefusesABookThatWouldBeSetAside) {
-  const std::string why = "nothing was sent or queued: the book's identifier is not one that a";
+  const std::string why = " cannot be the uid of a book. Use 1 to 255 ASCII";
   for (const std::string& book : {std::string(), std::string("a b"), std::string("a\"b"),
                                   std::string("\xc3\xa4"), std::string(256, 'b')}) {
     expectRefusal(book, kFile, why);
@@ -82,9 +84,9 @@ TEST_F(SampleAddCommandTest, RefusesABookThatWouldBeSetAside) {
 }
 
 TEST_F(SampleAddCommandTest, RefusesAFileThatWouldBeSetAside) {
-  expectRefusal("b1", "", "nothing was queued: the path of the sample file is not an absolute one");
-  expectRefusal("b1", "1.sample", "is not an absolute one; try: a path on the device, such as");
-  expectRefusal("b1", "/mnt/../1.sample", "holds '..'");
+  expectRefusal("b1", "", "the path of the sample file is not absolute");
+  expectRefusal("b1", "1.sample", "is not absolute. Use a path on the device, such as");
+  expectRefusal("b1", "/mnt/../1.sample", "contains '..'");
   expectRefusal("b1", "/mnt/ext1/books/", "names a folder");
   expectRefusal("b1", "/mnt/ext1/films/1.sample", "cannot be used: No such file or directory");
 }
@@ -93,8 +95,8 @@ TEST_F(SampleAddCommandTest, SaysThatTheQueueCannotBeLocked) {
   signedIn();
   queueCannotBeLocked();
   EXPECT_EQ(run({"sample", "add", "b1", kFile}), bookstore::kLocalFailure);
-  EXPECT_THAT(err, AllOf(HasSubstr("/tmp/sample.queue, cannot be opened and locked"),
-                         HasSubstr("; try: ")));
+  EXPECT_THAT(
+      err, AllOf(HasSubstr("/tmp/sample.queue, cannot be opened and locked"), HasSubstr(". See ")));
   EXPECT_THAT(fake::platform().tasks.started, IsEmpty());
 }
 
@@ -106,6 +108,6 @@ TEST_F(SampleAddCommandTest, SaysThatTheLibraryCouldNotWriteTheItem) {
 
 TEST_F(SampleAddCommandTest, SendsNothing) {
   EXPECT_EQ(run({"sample", "add", "b1", kFile, "--dry-run", "--curl"}), bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("'sample add' sends no request to show"));
+  EXPECT_THAT(err, HasSubstr("\"sample add\" sends no request. Omit"));
   EXPECT_THAT(queued(), IsEmpty());
 }

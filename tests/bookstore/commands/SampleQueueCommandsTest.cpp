@@ -58,7 +58,7 @@ TEST_F(SampleQueueCommandsTest, NextShowsTheOldestAndLeavesIt) {
 
 TEST_F(SampleQueueCommandsTest, NextTellsAnEmptyQueueFromAnEmptyItem) {
   EXPECT_EQ(run({"sample", "next"}), bookstore::kNoSession);
-  EXPECT_EQ(err, "bookstore: no sample is in the queue; try: bookstore sample add\n");
+  EXPECT_EQ(err, "bookstore: the queue is empty. Run \"bookstore sample add\".\n");
   EXPECT_THAT(out, IsEmpty());
   queueHolds({{"", ""}});
   EXPECT_EQ(run({"sample", "next"}), bookstore::kDone);
@@ -78,9 +78,10 @@ TEST_F(SampleQueueCommandsTest, RemoveTakesTheOldestOfTheBook) {
 TEST_F(SampleQueueCommandsTest, RemoveSaysThatThereWasNone) {
   queueHolds({{"b1", "/s/1"}});
   EXPECT_EQ(run({"sample", "remove", "b"}), bookstore::kNoSession);
-  EXPECT_EQ(err,
-            "bookstore: no sample of the book 'b' is in the queue; try: one that bookstore sample "
-            "list shows\n");
+  EXPECT_EQ(
+      err,
+      "bookstore: the queue has no sample of the book \"b\". Use a book that \"bookstore sample "
+      "list\" shows.\n");
   EXPECT_THAT(out, IsEmpty());
   EXPECT_THAT(queued(), SizeIs(1));
 }

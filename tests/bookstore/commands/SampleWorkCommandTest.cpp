@@ -101,15 +101,15 @@ TEST_F(SampleWorkCommandTest, StopsWhereTheStoreIsNotReachedAndKeepsTheRest) {
   serverKnows("b1");
   EXPECT_EQ(run({"sample", "work"}), bookstore::kTransferFailed);
   EXPECT_EQ(err,
-            "bookstore: the store cannot be reached; samples that stay in the queue: 1; try: "
-            "bookstore sample work again when that is mended; -v shows more\n");
+            "bookstore: the store cannot be reached; samples left in the queue: 1. "
+            "Fix the cause, and run \"bookstore sample work\" again; -v shows more.\n");
   EXPECT_THAT(out, AllOf(HasSubstr("Title of b1"), Not(HasSubstr("The queue is empty"))));
   EXPECT_THAT(queued(), ElementsAre("b3@/mnt/ext1/books/3"));
 }
 
 TEST_F(SampleWorkCommandTest, StopsAtAnotherStatus) {
   workEndsWith(503, bookstore::kBadStatus);
-  EXPECT_THAT(err, HasSubstr("the store answers with status 503; samples that stay"));
+  EXPECT_THAT(err, HasSubstr("the store returns HTTP status 503; samples left"));
 }
 
 TEST_F(SampleWorkCommandTest, StopsWhenTheSessionHasEnded) {
@@ -119,23 +119,23 @@ TEST_F(SampleWorkCommandTest, StopsWhenTheSessionHasEnded) {
   EXPECT_EQ(run({"sample", "work", "--json"}), bookstore::kNoSession);
   EXPECT_EQ(json()["done"].size(), 1U);
   EXPECT_EQ(json()["left"], 1);
-  EXPECT_THAT(err, HasSubstr("refuses the session; samples that stay in the queue: 1; try: "
-                             "bookstore sign-in"));
+  EXPECT_THAT(err, HasSubstr("refuses the session; samples left in the queue: 1. "
+                             "Run \"bookstore sign-in\""));
 }
 
 TEST_F(SampleWorkCommandTest, StopsWhereFilesFail) {
   root.put("/mnt/ext1/system/state/cache/sample_queue.journal/in the way", "");
   EXPECT_EQ(run({"sample", "work"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err, HasSubstr("the journal of the queue cannot be used; samples that stay"));
+  EXPECT_THAT(err, HasSubstr("the journal of the queue cannot be used; samples left"));
   EXPECT_THAT(queued(), SizeIs(3));
 }
 
 TEST_F(SampleWorkCommandTest, LeavesTheWorkToTheApplicationThatIsAtItAlready) {
   const sample_app::WorkerLock application;
   EXPECT_EQ(run({"sample", "work"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err,
-              AllOf(HasSubstr("is at work already: it holds /tmp/graphql_sample_metadata.lock"),
-                    HasSubstr("; try: bookstore sample list")));
+  EXPECT_THAT(
+      err, AllOf(HasSubstr("is already running: it has locked /tmp/graphql_sample_metadata.lock"),
+                 HasSubstr(". Wait until \"bookstore sample list\"")));
   EXPECT_THAT(queued(), SizeIs(3));
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }
@@ -144,7 +144,7 @@ TEST_F(SampleWorkCommandTest, SaysThatTheLockOfTheWorkerFails) {
   std::filesystem::remove(sample_app::kWorkerLockPath);
   std::filesystem::create_directory(sample_app::kWorkerLockPath);
   EXPECT_EQ(run({"sample", "work"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err, HasSubstr("no lock on /tmp/graphql_sample_metadata.lock"));
+  EXPECT_THAT(err, HasSubstr("cannot lock /tmp/graphql_sample_metadata.lock"));
   std::filesystem::remove(sample_app::kWorkerLockPath);
 }
 
@@ -160,7 +160,7 @@ TEST_F(SampleWorkCommandTest, ShowsOnATerminalHowFarItHasCome) {
   serverKnows("b1");
   serverKnows("b3");
   EXPECT_EQ(run({"sample", "work"}), bookstore::kDone);
-  EXPECT_THAT(err, StartsWith("| Looking at the queue\r"));
+  EXPECT_THAT(err, StartsWith("| Reading the queue\r"));
   EXPECT_THAT(err, HasSubstr("[--------------------] 1 of 3  b1\r"));
   EXPECT_THAT(err, HasSubstr("[--------------------] 1 of 3  Title of b1\r"));
   EXPECT_THAT(err, HasSubstr("[######--------------] 2 of 3  b2\r"));
@@ -187,7 +187,7 @@ TEST_F(SampleWorkCommandTest, ASignalStopsItBetweenTwoSamplesAndLosesNothing) {
   });
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
   EXPECT_THAT(root.contentOf("/out"), HasSubstr("Title of b1"));
-  EXPECT_EQ(root.contentOf("/err"), "bookstore: stopped; samples that stay in the queue: 2\n");
+  EXPECT_EQ(root.contentOf("/err"), "bookstore: stopped; samples left in the queue: 2\n");
   EXPECT_THAT(queued(), ElementsAre("b2@/s/2", "b3@/mnt/ext1/books/3"));
 }
 
@@ -201,10 +201,10 @@ TEST_F(SampleWorkCommandTest, ADryRunShowsTheRequestForTheOldest) {
 TEST_F(SampleWorkCommandTest, ADryRunSaysWhyThereIsNoRequest) {
   queueHolds({{"b2", "/s/2"}});
   EXPECT_EQ(run({"sample", "work", "--dry-run", "--curl"}), bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("the oldest sample would cause no request: the folder of"));
+  EXPECT_THAT(err, HasSubstr("the oldest sample causes no request: the folder of"));
   queueHolds({});
   EXPECT_EQ(run({"sample", "work", "--dry-run", "--curl"}), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("no sample is in the queue"));
+  EXPECT_THAT(err, HasSubstr("the queue is empty"));
   customerAt(german, "", "");
   queueHolds({{"b1", "/mnt/ext1/books/1"}});
   EXPECT_EQ(run({"sample", "work", "--dry-run", "--curl"}), bookstore::kNoSession);

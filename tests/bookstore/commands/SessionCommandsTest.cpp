@@ -46,7 +46,8 @@ TEST_F(SessionCommandsTest, WhoamiGivesProgramsTheSame) {
 
 TEST_F(SessionCommandsTest, WhoamiNeedsASession) {
   EXPECT_EQ(run({"whoami"}), bookstore::kNoSession);
-  EXPECT_EQ(err, "bookstore: not signed in: there is no access token; try: bookstore sign-in\n");
+  EXPECT_EQ(err,
+            "bookstore: not signed in: there is no access token. Run \"bookstore sign-in\".\n");
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }
 
@@ -55,12 +56,13 @@ TEST_F(SessionCommandsTest, WhoamiSaysThatTheSessionHasEnded) {
   for (const long status : {401, 403}) {
     serverAnswers("{}", status);
     EXPECT_EQ(run({"whoami"}), bookstore::kNoSession) << status;
-    EXPECT_THAT(err, HasSubstr(" says that the session has ended; try: bookstore refresh, or"));
+    EXPECT_THAT(err,
+                HasSubstr(" refused the session: it has expired. Run \"bookstore refresh\" or"));
   }
   serverAnswers(R"({"errors":[{"message":"The current customer isn't authorized."}],)"
                 R"("data":{"customer":null}})");
   EXPECT_EQ(run({"whoami"}), bookstore::kNoData);
-  EXPECT_THAT(err, HasSubstr(" without a customer: the session may have ended; try: bookstore"));
+  EXPECT_THAT(err, HasSubstr(" no customer: the session may have expired. Run \"bookstore"));
   expectTokens("access-secret", "refresh-secret");
 }
 
@@ -70,7 +72,7 @@ TEST_F(SessionCommandsTest, WhoamiNamesStatusAndFailedTransfer) {
   EXPECT_EQ(run({"whoami"}), bookstore::kBadStatus);
   fake::platform().http.failTransfer(7);
   EXPECT_EQ(run({"whoami"}), bookstore::kTransferFailed);
-  EXPECT_THAT(err, HasSubstr("the transfer to " + url + " failed"));
+  EXPECT_THAT(err, HasSubstr("the request to " + url + " failed"));
 }
 
 TEST_F(SessionCommandsTest, WhoamiMakesHarmlessWhatAServerPutsIntoAName) {
@@ -100,7 +102,7 @@ TEST_F(SessionCommandsTest, RefreshGivesProgramsTheSame) {
 TEST_F(SessionCommandsTest, RefreshNeedsARefreshToken) {
   customerAt(german, "access-secret", "");
   EXPECT_EQ(run({"refresh"}), bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("there is no refresh token; try: bookstore sign-in"));
+  EXPECT_THAT(err, HasSubstr("there is no refresh token. Run \"bookstore sign-in\""));
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }
 
@@ -109,19 +111,20 @@ TEST_F(SessionCommandsTest, RefreshSaysThatARefusalEmptiedTheTokens) {
   serverAnswers(R"({"errors":[{"message":"It has expired."}]})");
   EXPECT_EQ(run({"refresh"}), bookstore::kStoreRefused);
   EXPECT_THAT(err,
-              HasSubstr(" refused the refresh: It has expired.; the stored tokens are emptied"));
+              HasSubstr(" refused the refresh (It has expired.); the stored tokens are removed"));
   expectTokens("", "");
   signedIn();
   serverAnswers("{}");
   EXPECT_EQ(run({"refresh"}), bookstore::kStoreRefused);
-  EXPECT_THAT(err, HasSubstr(" refused the refresh, and gave no reason; the stored tokens are"));
+  EXPECT_THAT(err, HasSubstr(" refused the refresh without a reason; the stored tokens are"));
 }
 
 TEST_F(SessionCommandsTest, RefreshSaysThatARefusalWithAStatusKeptTheTokens) {
   signedIn();
   serverAnswers(R"({"code":"401"})", 401);
   EXPECT_EQ(run({"refresh"}), bookstore::kStoreRefused);
-  EXPECT_THAT(err, HasSubstr(" refused the refresh with HTTP status 401; the stored tokens stay"));
+  EXPECT_THAT(
+      err, HasSubstr(" refused the refresh with HTTP status 401; the stored tokens are unchanged"));
   expectTokens("access-secret", "refresh-secret");
 }
 
@@ -139,7 +142,8 @@ TEST_F(SessionCommandsTest, RefreshNoticesThatTheFileWasNotWritten) {
   serverAnswers(kNewTokens);
   fake::platform().failAt("save");
   EXPECT_EQ(run({"refresh"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err, HasSubstr(" gave new tokens, but " + root.at(bookstore_tests::kTokenFile)));
+  EXPECT_THAT(err, HasSubstr(" returned new tokens, but the token file " +
+                             root.at(bookstore_tests::kTokenFile)));
 }
 
 TEST_F(SessionCommandsTest, RefreshNoticesThatOneOfTheTokensWasNotWritten) {
@@ -187,8 +191,8 @@ TEST_F(SessionCommandsTest, SignOutNoticesThatTheFileWasNotWritten) {
   signedIn();
   fake::platform().failAt("save");
   EXPECT_EQ(run({"sign-out"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err,
-              HasSubstr("the tokens were forgotten, but " + root.at(bookstore_tests::kTokenFile)));
+  EXPECT_THAT(err, HasSubstr("the tokens were removed, but the token file " +
+                             root.at(bookstore_tests::kTokenFile)));
 }
 
 TEST_F(SessionCommandsTest, SignOutSendsNothingToShow) {

@@ -49,8 +49,8 @@ TEST_F(SignInCommandTest, ShowsARefusalInTheServersWords) {
   EXPECT_EQ(signIn(), bookstore::kStoreRefused);
   EXPECT_THAT(out, IsEmpty());
   EXPECT_THAT(err, HasSubstr("bookstore: " + url +
-                             " refused the sign-in: The account is locked.; nobody is signed in "
-                             "now; try: check address and password"));
+                             " refused the sign-in (The account is locked.); nobody is signed in "
+                             "now. Check the email address and the password"));
   EXPECT_EQ(keptText("fakeAccess"), "");
 }
 
@@ -61,7 +61,7 @@ TEST_F(SignInCommandTest, TakesAnAnswerWithoutATokenForARefusal) {
     serverAnswers(answer);
     EXPECT_EQ(signIn(), bookstore::kStoreRefused) << answer;
     EXPECT_THAT(out, IsEmpty());
-    EXPECT_THAT(err, HasSubstr(" refused the sign-in, and gave no reason; nobody"));
+    EXPECT_THAT(err, HasSubstr(" refused the sign-in without a reason; nobody"));
   }
 }
 
@@ -78,14 +78,14 @@ TEST_F(SignInCommandTest, NamesAnotherStatusAndSaysThatTheSessionIsGone) {
   signedIn();
   serverAnswers(R"({"code":1})", 503);
   EXPECT_EQ(signIn(), bookstore::kBadStatus);
-  EXPECT_THAT(err, HasSubstr(" HTTP status 503, not 200; nobody is signed in now; try: "));
+  EXPECT_THAT(err, HasSubstr(" HTTP status 503; nobody is signed in now. "));
 }
 
 TEST_F(SignInCommandTest, NamesAFailedTransferAndSaysThatTheSessionIsGone) {
   signedIn();
   fake::platform().http.failTransfer(7);
   EXPECT_EQ(signIn(), bookstore::kTransferFailed);
-  EXPECT_THAT(err, HasSubstr("no connection to the server (7); nobody is signed in now; try: "));
+  EXPECT_THAT(err, HasSubstr("no connection to the server (7); nobody is signed in now. "));
 }
 
 TEST_F(SignInCommandTest, KeepsQuietAboutASessionThatIsStillInTheFile) {
@@ -99,7 +99,7 @@ TEST_F(SignInCommandTest, KeepsQuietAboutASessionThatIsStillInTheFile) {
 TEST_F(SignInCommandTest, NamesACodeThatCannotBeRead) {
   serverAnswers(R"({"code":"seventeen"})", 401);
   EXPECT_EQ(signIn(), bookstore::kNoData);
-  EXPECT_THAT(err, HasSubstr("the store's answer holds what cannot be read: "));
+  EXPECT_THAT(err, HasSubstr("the store's response cannot be read (Value"));
 }
 
 TEST_F(SignInCommandTest, NoticesThatTheFileWasNotWritten) {
@@ -107,14 +107,15 @@ TEST_F(SignInCommandTest, NoticesThatTheFileWasNotWritten) {
   fake::platform().failAt("save");
   EXPECT_EQ(signIn(), bookstore::kLocalFailure);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_THAT(err, HasSubstr(" signed ada@de.example in, but " +
-                             root.at(bookstore_tests::kTokenFile) + " does not tell so; try: "));
+  EXPECT_THAT(err, HasSubstr(" signed ada@de.example in, but the token file " +
+                             root.at(bookstore_tests::kTokenFile) + " was not updated. See "));
 }
 
 TEST_F(SignInCommandTest, NamesALockThatCannotBeHad) {
   root.put("/mnt/ext1/system/config", "a file in place of the folder");
   EXPECT_EQ(signIn(), bookstore::kLocalFailure);
-  EXPECT_THAT(err, HasSubstr("the lock beside " + root.at(bookstore_tests::kTokenFile) + " fails"));
+  EXPECT_THAT(err,
+              HasSubstr("cannot lock the session beside " + root.at(bookstore_tests::kTokenFile)));
   EXPECT_THAT(fake::platform().http.requests, IsEmpty());
 }
 
@@ -153,14 +154,14 @@ TEST_F(SignInCommandTest, GoesToTheCurrentStoreUnlessOneIsNamed) {
 TEST_F(SignInCommandTest, ListsTheStoresWhenNoneIsCurrent) {
   fileHolds({german, bookstore_tests::store("uk", "en_gb")});
   expectNothingDone({"sign-in", "--email", "ada@de.example"}, bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("none is the current one; try: --store with one of de (de_de), "
-                             "uk (en_gb)\n"));
+  EXPECT_THAT(err, HasSubstr("none of them is the current store. Add --store with one of "
+                             "de (de_de), uk (en_gb).\n"));
 }
 
 TEST_F(SignInCommandTest, NeedsAStore) {
   fileHolds({});
   expectNothingDone({"sign-in", "--email", "ada@de.example"}, bookstore::kNoSession);
-  EXPECT_THAT(err, HasSubstr("no store is known; try: bookstore stores --refresh"));
+  EXPECT_THAT(err, HasSubstr("the store list is empty. Run \"bookstore stores --refresh\""));
 }
 
 // --- Texts that a request cannot carry ----------------------------------------------------------
@@ -168,7 +169,7 @@ TEST_F(SignInCommandTest, NeedsAStore) {
 TEST_F(SignInCommandTest, RefusesAnAddressThatIsNotUtf8BeforeAnythingIsSent) {
   for (const char* text : {"a\xff", "a\xc3", "a\xed\xa0\x80", "a\xc2", "a\x80", "a\xe2\x82"}) {
     expectNothingDone({"sign-in", "--email", text}, bookstore::kUsage);
-    EXPECT_THAT(err, HasSubstr("the text after --email is not valid UTF-8 at byte 2; try: "));
+    EXPECT_THAT(err, HasSubstr("the value of --email is not valid UTF-8 at byte 2. Use "));
   }
 }
 
@@ -186,10 +187,10 @@ TEST_F(SignInCommandTest, TakesControlCharactersAndAllOfUnicode) {
 
 TEST_F(SignInCommandTest, RefusesANulBeforeAnythingIsSent) {
   expectNothingDone({"sign-in", "--email", std::string("a\0b", 3)}, bookstore::kUsage);
-  EXPECT_THAT(err, HasSubstr("the text after --email holds a NUL at byte 2"));
+  EXPECT_THAT(err, HasSubstr("the value of --email contains a NUL at byte 2"));
   EXPECT_EQ(runWithPassword({"sign-in", "--email", "a"}, std::string("word\0", 5)),
             bookstore::kUsage);
   EXPECT_THAT(err,
-              AllOf(HasSubstr("the password holds a NUL at byte 5"), Not(HasSubstr("word\\"))));
+              AllOf(HasSubstr("the password contains a NUL at byte 5"), Not(HasSubstr("word\\"))));
   EXPECT_THAT(fake::platform().http.requests, SizeIs(0));
 }

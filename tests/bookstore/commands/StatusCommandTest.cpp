@@ -24,7 +24,7 @@ TEST_F(StatusCommandTest, ShowsAFreshDevice) {
   EXPECT_THAT(out, HasSubstr("Stores              0\n"));
   EXPECT_THAT(out, HasSubstr("Current store       none\n"));
   EXPECT_THAT(out, HasSubstr("Signed in           no\n"));
-  EXPECT_THAT(out, HasSubstr("Token lifetime      not told\n"));
+  EXPECT_THAT(out, HasSubstr("Token lifetime      unknown\n"));
   EXPECT_THAT(out, HasSubstr("Token file changed  never\n"));
   EXPECT_THAT(out, HasSubstr("Store generation    3\n"));
   EXPECT_THAT(out, HasSubstr("Discovery           https://"));
@@ -46,7 +46,7 @@ TEST_F(StatusCommandTest, ShowsFilesStoresAndSession) {
   EXPECT_THAT(out, HasSubstr("Stores              2\n"));
   EXPECT_THAT(out, HasSubstr("Current store       The Reading Room (uk)\n"));
   EXPECT_THAT(out, HasSubstr("Signed in           yes\n"));
-  EXPECT_THAT(out, HasSubstr("Token lifetime      3600 (as the store told it, in seconds)\n"));
+  EXPECT_THAT(out, HasSubstr("Token lifetime      3600 (in seconds, as the store reported it)\n"));
 }
 
 TEST_F(StatusCommandTest, GivesProgramsTheSame) {
@@ -103,5 +103,5 @@ TEST_F(StatusCommandTest, NamesAFileThatItCannotLookAt) {
   std::filesystem::create_directories(root.at("/mnt/ext1/system"));
   std::filesystem::create_symlink("config", root.at("/mnt/ext1/system/config"));  // to itself
   EXPECT_EQ(run({"status"}), bookstore::kLocalFailure);
-  EXPECT_THAT(err, HasSubstr("cannot look at " + root.at(kTokenPath) + ": "));
+  EXPECT_THAT(err, HasSubstr("cannot access " + root.at(kTokenPath) + ": "));
 }

@@ -77,7 +77,7 @@ TEST_F(StoresCommandTest, ShowsTheIntegrationTokenOnlyWhenAsked) {
 TEST_F(StoresCommandTest, WithoutAStoreInTheFileSaysHowToGetThem) {
   EXPECT_EQ(run({"stores"}), bookstore::kNoSession);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_EQ(err, "bookstore: no store is known; try: bookstore stores --refresh\n");
+  EXPECT_EQ(err, "bookstore: the store list is empty. Run \"bookstore stores --refresh\".\n");
 }
 
 TEST_F(StoresCommandTest, RefreshAsksTheServiceAndKeepsWhatItLists) {
@@ -101,29 +101,29 @@ TEST_F(StoresCommandTest, RefreshNamesAFailedTransferAndKeepsTheFile) {
   EXPECT_EQ(run({"stores", "--refresh"}), bookstore::kTransferFailed);
   EXPECT_THAT(out, IsEmpty());
   EXPECT_THAT(err, AllOf(HasSubstr("/graphql failed: the server's certificate is not trusted (60)"),
-                         HasSubstr("try: set ORVANE_CA_FILE")));
+                         HasSubstr("(60). Set ORVANE_CA_FILE")));
   EXPECT_EQ(storeCount(), "1");
 }
 
 TEST_F(StoresCommandTest, RefreshNamesAStatusOtherThan200) {
   serverAnswers("", 503);
   EXPECT_EQ(run({"stores", "--refresh"}), bookstore::kBadStatus);
-  EXPECT_THAT(err, HasSubstr("/graphql answered with HTTP status 503, not 200; try: "));
+  EXPECT_THAT(err, HasSubstr("/graphql returned HTTP status 503. Check "));
 }
 
 TEST_F(StoresCommandTest, RefreshWithoutAStoreInTheAnswerSaysThatTheFileIsEmptyNow) {
   fileHolds({store("de", "de_de")});
   serverAnswers(R"({"errors":[{"message":"down"}]})");
   EXPECT_EQ(run({"stores", "--refresh"}), bookstore::kNoData);
-  EXPECT_THAT(err, AllOf(HasSubstr("without a list of stores, or with no open store in it"),
-                         HasSubstr("store_list.cfg is empty now; try: ")));
+  EXPECT_THAT(err, AllOf(HasSubstr("no list of stores, or a list without an open store; "),
+                         HasSubstr("store_list.cfg is empty now. Run the command again with -v")));
   EXPECT_EQ(storeCount(), "0");
 }
 
 TEST_F(StoresCommandTest, RefreshNamesAnAnswerThatCannotBeRead) {
   serverAnswers(storeAnswer(R"("storeName":{})"));
   EXPECT_EQ(run({"stores", "--refresh"}), bookstore::kNoData);
-  EXPECT_THAT(err, HasSubstr("the store's answer holds what cannot be read: "));
+  EXPECT_THAT(err, HasSubstr("the store's response cannot be read ("));
 }
 
 TEST_F(StoresCommandTest, RefreshNoticesThatTheFileWasNotWritten) {
@@ -131,7 +131,8 @@ TEST_F(StoresCommandTest, RefreshNoticesThatTheFileWasNotWritten) {
   fake::platform().failAt("saveAndClose");
   EXPECT_EQ(run({"stores", "--refresh"}), bookstore::kLocalFailure);
   EXPECT_THAT(out, IsEmpty());
-  EXPECT_THAT(err, HasSubstr(root.path() + "/mnt/ext1/system/state/cache/store_list.cfg does not"));
+  EXPECT_THAT(
+      err, HasSubstr(root.path() + "/mnt/ext1/system/state/cache/store_list.cfg was not updated"));
 }
 
 TEST_F(StoresCommandTest, MakesHarmlessWhatAServerPutsIntoANameForTheTerminal) {
