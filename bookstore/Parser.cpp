@@ -76,6 +76,15 @@ std::string footer() {
          statuses.text(false) + "\nEnvironment:\n" + environment.text(false);
 }
 
+// Messages begin in lower case, those of CLI11 in upper case, unless with the name of an argument.
+std::string asMessage(std::string text) {
+  const bool isWord = text.size() > 1 && text[1] >= 'a' && text[1] <= 'z';
+  if (isWord && text[0] >= 'A' && text[0] <= 'Z') {
+    text[0] = static_cast<char>(text[0] - 'A' + 'a');
+  }
+  return text;
+}
+
 Failure usageFailure(const CLI::App& program, const std::string& what) {
   std::string command = "bookstore";
   for (const CLI::App* app = &program; !app->get_subcommands().empty();) {
@@ -104,7 +113,7 @@ Invocation parse(const std::vector<std::string>& words, const std::vector<Comman
   } catch (const CLI::CallForVersion& version) {
     return {std::string(version.what()) + "\n", nullptr, {}};
   } catch (const CLI::ParseError& error) {
-    throw usageFailure(program, error.what());
+    throw usageFailure(program, asMessage(error.what()));
   }
   for (std::size_t i = 0; i < table.size(); ++i) {
     if (rows[i].app->parsed() && table[i].run != nullptr) {

@@ -33,7 +33,7 @@ void changeSetting(const base::Setting& setting, const std::string& value) {
   ::setenv(setting.name, value.c_str(), 1);
 }
 
-// A setting that asks for more than the option does is unchanged.
+// The options never make the log shorter than the settings do.
 void adjustLog(const Arguments& arguments) {
   const long long level = base::number(base::settings::kLogLevel, 0, 9);
   if (arguments.has("--verbose") && level < base::kLogInformation) {

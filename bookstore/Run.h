@@ -13,7 +13,7 @@
 
 namespace bookstore {
 
-// Runs the command that `words` (without the program's name) ask for, and returns the exit code.
+// Runs the command in `words` (without the program's name), and returns the exit code.
 // Throws only std::bad_alloc, while it reports a failure.
 int run(const std::vector<std::string>& words, const Terminal& terminal,
         const std::vector<Command>& table = commands());

@@ -46,15 +46,15 @@ Lookup MetadataSource::find(const std::string& bookId) {
     return without(Outcome::SignedOut, "nobody is signed in");
   }
   const std::string token = storage_->accessToken();
-  Lookup lookup = ask(bookId);
+  Lookup lookup = request(bookId);
   if (lookup.outcome != Outcome::SignedOut) {
     return lookup;
   }
   const std::optional<Lookup> problem = refresh(token);
-  return problem ? *problem : ask(bookId);
+  return problem ? *problem : request(bookId);
 }
 
-Lookup MetadataSource::ask(const std::string& bookId) {
+Lookup MetadataSource::request(const std::string& bookId) {
   failedStatus_ = 0;
   try {
     const GraphQLApi::SampleMetadata metadata =

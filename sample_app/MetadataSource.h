@@ -40,7 +40,7 @@ class MetadataSource {
   Lookup find(const std::string& bookId);
 
  private:
-  Lookup ask(const std::string& bookId);
+  Lookup request(const std::string& bookId);
   Lookup checkSession();
   std::optional<Lookup> refresh(const std::string& refusedToken);
   bool isSignedIn() const;

@@ -69,7 +69,7 @@ std::string readToTheEnd(int descriptor) {
   return text;
 }
 
-std::string ask(PasswordKind kind) {
+std::string prompt(PasswordKind kind) {
   std::string password = askForPassword("Password: ");
   if (kind == PasswordKind::New && askForPassword("Password again: ") != password) {
     throw Failure(kUsage, "the two passwords differ", "Type the same password twice");
@@ -86,7 +86,7 @@ std::vector<Option> passwordOptions() {
 
 std::string readPassword(const Arguments& arguments, PasswordKind kind) {
   const std::optional<int> descriptor = givenDescriptor(arguments);
-  std::string password = descriptor ? readToTheEnd(*descriptor) : ask(kind);
+  std::string password = descriptor ? readToTheEnd(*descriptor) : prompt(kind);
   if (password.empty()) {
     throw Failure(kUsage, "the password is empty", "Enter at least one character");
   }

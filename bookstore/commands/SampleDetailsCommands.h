@@ -1,4 +1,4 @@
-// The commands that ask a store about one book.
+// The commands that request one book from a store.
 
 #ifndef BOOKSTORE_COMMANDS_SAMPLEDETAILSCOMMANDS_H_
 #define BOOKSTORE_COMMANDS_SAMPLEDETAILSCOMMANDS_H_

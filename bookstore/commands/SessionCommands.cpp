@@ -89,7 +89,7 @@ void runRefresh(Context& context) {
   Json::Value document;
   document["refreshed"] = isOurs;
   context.output.printResult(
-      isOurs ? "Refreshed the tokens" : "Another process has just refreshed the tokens", document);
+      isOurs ? "Refreshed the tokens" : "Another process has refreshed the tokens", document);
 }
 
 void runSignOut(Context& context) {

@@ -71,7 +71,8 @@ TEST_F(RunTest, EndsWith1WhenTheStoreAnsweredWithAnError) {
 
 TEST_F(RunTest, EndsWith2OnWrongUsage) {
   EXPECT_EQ(run({"stores", "--bogus"}), 2);
-  EXPECT_THAT(err, AllOf(HasSubstr("--bogus"), HasSubstr(". Run \"bookstore stores --help\".\n")));
+  EXPECT_THAT(err, AllOf(StartsWith("bookstore: the following"), HasSubstr("--bogus"),
+                         HasSubstr(". Run \"bookstore stores --help\".\n")));
   EXPECT_EQ(run({"sing"}), 2);
   EXPECT_THAT(err, AllOf(HasSubstr("sing"), HasSubstr(". Run \"bookstore --help\".\n")));
   EXPECT_EQ(run({}), 2);

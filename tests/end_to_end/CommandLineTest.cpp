@@ -227,7 +227,7 @@ TEST_P(CommandLineTest, OfTwoRefreshesAtOnceOneReachesTheStore) {
   }
   EXPECT_THAT(outputs,
               UnorderedElementsAre("Refreshed the tokens\n",
-                                   "Another process has refreshed the tokens meanwhile\n"));
+                                   "Another process has refreshed the tokens\n"));
   EXPECT_EQ(store().requestsOf("refreshTokens"), 1);
   EXPECT_EQ(run({"whoami"}).code, 0);
 }
