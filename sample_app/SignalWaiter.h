@@ -14,9 +14,11 @@ namespace sample_app {
 class SignalWaiter : public Waiter {
  public:
   // Blocks `signals`: only wait() notices them. They take effect when the object is destroyed.
-  explicit SignalWaiter(const std::vector<int>& signals);
+  explicit SignalWaiter(const std::vector<int>& signals) : signals_(signals) {}
 
-  bool wait(std::chrono::milliseconds time) override;
+  bool wait(std::chrono::milliseconds time) override {
+    return signals_.wait(time) != base::BlockedSignals::Wakeup::Signal;
+  }
 
  private:
   const base::BlockedSignals signals_;

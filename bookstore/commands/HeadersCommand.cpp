@@ -76,13 +76,9 @@ void runHeaders(Context& context) {
     table.addRow({name, shown});
     document["headers"][name] = shown;
   }
-  if (context.output.isJson()) {
-    document["store"] = store.providerID;
-    document["type"] = context.arguments.text("--type");
-    context.output.printJson(document);
-  } else {
-    context.output.print(table);
-  }
+  document["store"] = store.providerID;
+  document["type"] = context.arguments.text("--type");
+  context.output.printResult(table, document);
 }
 
 }  // namespace bookstore

@@ -19,8 +19,8 @@ namespace {
 using Metadata = GraphQLApi::SampleMetadata;
 using Operation = Metadata (GraphQLApi::*)(const GraphQLStorageApi::StoreInfo&, const std::string&);
 
-Metadata ask(const Context& context, const GraphQLStorageApi::StoreInfo& store,
-             Operation operation) {
+Metadata lookUp(const Context& context, const GraphQLStorageApi::StoreInfo& store,
+                Operation operation) {
   const std::string bookId = validBookId(context.arguments);
   if (!context.storage->isLoggedIn()) {
     throw notSignedIn();
@@ -50,19 +50,11 @@ Json::Value priceDocument(const GraphQLStorageApi::StoreInfo& store, const Metad
   return document;
 }
 
-void print(Output& output, const Table& table, const Json::Value& document) {
-  if (output.isJson()) {
-    output.printJson(document);
-  } else {
-    output.print(table);
-  }
-}
-
 }  // namespace
 
 void runSampleInfo(Context& context) {
   const auto store = chooseStore(context);
-  const Metadata metadata = ask(context, store, &GraphQLApi::sampleMetadata);
+  const Metadata metadata = lookUp(context, store, &GraphQLApi::sampleMetadata);
 
   Table table;
   table.addRow({"Book", metadata.uid});
@@ -76,17 +68,17 @@ void runSampleInfo(Context& context) {
   document["name"] = metadata.name;
   document["author"] = metadata.author;
   document["thumbnailUrl"] = metadata.thumbnailUrl;
-  print(context.output, table, document);
+  context.output.printResult(table, document);
 }
 
 void runSamplePrice(Context& context) {
   const auto store = chooseStore(context);
-  const Metadata metadata = ask(context, store, &GraphQLApi::samplePriceRefresh);
+  const Metadata metadata = lookUp(context, store, &GraphQLApi::samplePriceRefresh);
 
   Table table;
   table.addRow({"Book", metadata.uid});
   addPriceRows(&table, metadata);
-  print(context.output, table, priceDocument(store, metadata));
+  context.output.printResult(table, priceDocument(store, metadata));
 }
 
 }  // namespace bookstore

@@ -73,7 +73,7 @@ Json::Value fileJson(const std::string& path, bool exists) {
   return value;
 }
 
-void printForPrograms(Output& output, const Status& status) {
+Json::Value documentOf(const Status& status) {
   Json::Value document;
   document["root"] = status.root;
   document["storeListFile"] = fileJson(status.storeListFile, status.hasStoreListFile);
@@ -93,7 +93,7 @@ void printForPrograms(Output& output, const Status& status) {
   document["device"]["softwareVersion"] = softwareVersion;
   document["device"]["serialNumber"] = serialNumber;
   document["device"]["userAgent"] = userAgent;
-  output.printJson(document);
+  return document;
 }
 
 std::string fileText(const std::string& path, bool exists) {
@@ -113,7 +113,7 @@ std::string sinceText(const std::optional<std::chrono::seconds>& since) {
   return since ? std::to_string(since->count()) + " s ago" : "never";
 }
 
-void printForPeople(Output& output, const Status& status) {
+Table tableOf(const Status& status) {
   Table table;
   table.addRow({"Root folder", status.root});
   table.addRow({"Store list file", fileText(status.storeListFile, status.hasStoreListFile)});
@@ -129,18 +129,14 @@ void printForPeople(Output& output, const Status& status) {
   table.addRow({"Software version", softwareVersion});
   table.addRow({"Serial number", serialNumber});
   table.addRow({"User agent", userAgent});
-  output.print(table);
+  return table;
 }
 
 }  // namespace
 
 void runStatus(Context& context) {
   const Status status = look(context);
-  if (context.output.isJson()) {
-    printForPrograms(context.output, status);
-  } else {
-    printForPeople(context.output, status);
-  }
+  context.output.printResult(tableOf(status), documentOf(status));
 }
 
 }  // namespace bookstore

@@ -82,7 +82,7 @@ std::size_t currentPosition(const GraphQLStorageApi& storage) {
                                           : storage.storesList().size();
 }
 
-void printForPrograms(Context& context, const StoreInfoList& stores) {
+Json::Value documentOf(const Context& context, const StoreInfoList& stores) {
   Json::Value document;
   document["stores"] = Json::arrayValue;
   const std::size_t current = currentPosition(*context.storage);
@@ -92,18 +92,18 @@ void printForPrograms(Context& context, const StoreInfoList& stores) {
     value["current"] = position == current;
     document["stores"].append(value);
   }
-  context.output.printJson(document);
+  return document;
 }
 
-void printForPeople(Context& context, const StoreInfoList& stores) {
+Table tableOf(const GraphQLStorageApi& storage, const StoreInfoList& stores) {
   Table table({" ", "ID", "CODE", "NAME", "LANGUAGE", "CURRENCY", "ADDRESS"});
-  const std::size_t current = currentPosition(*context.storage);
+  const std::size_t current = currentPosition(storage);
   for (std::size_t position = 0; position < stores.size(); ++position) {
     const StoreInfo& store = stores[position];
     table.addRow({position == current ? "*" : " ", store.providerID, store.storeCode,
                   store.storeName, store.language, store.currency, store.url});
   }
-  context.output.print(table);
+  return table;
 }
 
 }  // namespace
@@ -111,11 +111,7 @@ void printForPeople(Context& context, const StoreInfoList& stores) {
 void runStores(Context& context) {
   const StoreInfoList stores =
       context.arguments.has("--refresh") ? askForStores(context) : readStores(context);
-  if (context.output.isJson()) {
-    printForPrograms(context, stores);
-  } else {
-    printForPeople(context, stores);
-  }
+  context.output.printResult(tableOf(*context.storage, stores), documentOf(context, stores));
 }
 
 }  // namespace bookstore

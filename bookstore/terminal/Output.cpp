@@ -43,6 +43,14 @@ void Output::printResult(const std::string& line, const Json::Value& document) {
   }
 }
 
+void Output::printResult(const Table& table, const Json::Value& document) {
+  if (isJson_) {
+    printJson(document);
+  } else {
+    print(table);
+  }
+}
+
 void Output::note(const std::string& text) {
   printMessage(text);
 }

@@ -37,6 +37,9 @@ class Output {
   // Prints one line for people, with control characters escaped, or `document` for programs.
   void printResult(const std::string& line, const Json::Value& document);
 
+  // Prints a table for people, or `document` for programs.
+  void printResult(const Table& table, const Json::Value& document);
+
   // One line that does not change the exit code.
   void note(const std::string& text);
   // One line: what went wrong and what to do.
