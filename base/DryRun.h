@@ -1,7 +1,7 @@
-// Shows the request of an operation without sending the request. The switch applies to the whole
-// process, but not to its child processes. It is an environment variable with the process id, so
-// that every copy of this code in the process sees it. Safe to call from any thread, but not at the
-// same time as setDryRun() or setenv().
+// Shows a program the request of an operation without sending it. The switch applies to the
+// process, but not to its children: it is the process's ID in an environment variable, which every
+// copy of this code in the process reads. Safe from any thread, except beside setDryRun() or
+// setenv().
 
 #ifndef BASE_DRYRUN_H_
 #define BASE_DRYRUN_H_
@@ -11,8 +11,8 @@
 
 namespace base {
 
-// During a dry run, HttpRequestRunner::PerformRequest throws this instead of sending. An exception
-// ends the operation before the operation changes any state.
+// Thrown by HttpRequestRunner::PerformRequest in a dry run instead of sending. As it is an
+// exception, the operation that built the request ends before it changes any state.
 class DryRun : public std::exception {
  public:
   explicit DryRun(const std::string& curlCommand);
@@ -20,17 +20,17 @@ class DryRun : public std::exception {
 
   const char* what() const noexcept override;
 
-  // The request as HttpRequest::toCurlRequest renders it. Credentials are not masked.
+  // The result of HttpRequest::toCurlRequest. Credentials are not masked.
   const std::string& curlCommand() const;
 
  private:
   std::string curlCommand_;
 };
 
-// Starts or ends the dry run. It is off at the start.
+// Starts or ends the dry run; off until called.
 void setDryRun(bool on);
 
-// True during a dry run.
+// True while requests are not sent.
 bool isDryRun();
 
 }  // namespace base

@@ -1,5 +1,5 @@
-// The HTTP settings, for the runner and for the curl command of a request.
-// Safe to call from any thread, but not at the same time as setenv().
+// The settings of HTTP, for the runner and for the curl command of a request. Safe from any thread,
+// except beside setenv().
 
 #ifndef BASE_HTTPSETTINGS_H_
 #define BASE_HTTPSETTINGS_H_
@@ -15,12 +15,12 @@ struct HttpSettings {
   std::string pinnedKey;               // empty: any key with a valid certificate
   std::vector<std::string> connectTo;  // entries HOST:PORT:TO-HOST:TO-PORT, tried in this order
   bool http2;                          // false: HTTP/1.1
-  std::uint64_t maxAnswerBytes;        // after decompression
+  std::uint64_t maxResponseBytes;      // after decompression
   long connectTimeoutSeconds;
   long stallTimeoutSeconds;
 };
 
-// The current settings.
+// The settings as they are now.
 HttpSettings readHttpSettings();
 
 }  // namespace base

@@ -11,7 +11,7 @@ const char kSecretMask[] = "***";
 
 namespace {
 
-// Ignores the locale, which must not change what counts as a name.
+// Independent of the locale.
 char lower(char byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
@@ -28,7 +28,7 @@ bool isBlank(char byte) {
   return byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
 }
 
-// Letters and digits in lower case, so that refreshToken and refresh_token are the same name.
+// Only letters and digits, in lower case: refreshToken and refresh_token are the same name.
 std::string plainName(const std::string& name) {
   std::string plain;
   for (const char byte : name) {
@@ -62,7 +62,7 @@ bool isSecretName(const std::string& name) {
   return plain == "orvanecustomer" || plain == "orvanecustomerrefresh" || plain == "phpsessid";
 }
 
-// A quotation mark in the text, with its backslashes. A string within a string has more of them:
+// A quotation mark with the backslashes before it. Each enclosing string doubles the backslashes:
 // `"`, `\"`, `\\\"`, ...
 struct Quote {
   char mark = '\0';  // '\0' for none
@@ -103,7 +103,7 @@ class Masker {
     at_ = end;
   }
 
-  // Skips blanks, and blanks that are escapes in an enclosing string.
+  // Skips blanks, including their escapes in an enclosing string.
   std::size_t afterBlanks(std::size_t position) const {
     for (;;) {
       const std::size_t escaped = afterBackslashes(position);
@@ -154,12 +154,12 @@ class Masker {
   }
 
   // The end of the string that `quote` opened and whose content begins at `position`: its closing
-  // mark, the closing mark of an enclosing string, or the end of a text that was cut off.
+  // mark, that of an enclosing string, or the end of a text that was cut off.
   std::size_t endOfQuoted(std::size_t position, const Quote& quote) const {
     return quote.mark == '\'' ? endOfSingleQuoted(position) : endOfDoubleQuoted(position, quote);
   }
 
-  // `'\''` is a single quotation mark within single-quoted shell text.
+  // In a shell's single-quoted text, `'\''` is a single quotation mark.
   std::size_t endOfSingleQuoted(std::size_t position) const {
     while (position < text_.size() && text_[position] != '\'') {
       ++position;
@@ -260,13 +260,13 @@ class Masker {
     }
   }
 
-  // An empty value at the end of the string that contains the name: 'token=' or "token=".
+  // True for an empty value at the end of the string that contains the name: 'token=' or "token=".
   static bool closes(const Quote& quote, const Quote& before, bool isQuotedName) {
     return !isQuotedName && quote.mark == before.mark && quote.backslashes == before.backslashes;
   }
 
-  // These are not values: the variables of GraphQL, "$password: String!" and "password: $password",
-  // and "::" in C++ text.
+  // True for text without a value: "$password: String!" and "password: $password" in GraphQL, and
+  // "::" in C++.
   bool isDeclaration(const std::string& name, std::size_t value, bool isVariable) const {
     if (byteAt(value) == ':' || (isVariable && isWordAt(value, "String"))) {
       return true;
@@ -275,7 +275,7 @@ class Masker {
            plainName(text_.substr(value + 1, endOfName(value + 1) - value - 1)) == plainName(name);
   }
 
-  // Masks a number; leaves an object or a list, whose members are searched next.
+  // Masks a number. The members of an object or a list are masked by their own names.
   void maskScalar() {
     const char first = byteAt(at_);
     if (first == '{' || first == '[' || isWordAt(at_, "null") || isWordAt(at_, "true") ||
@@ -289,8 +289,8 @@ class Masker {
     return endsWith(plainName(name), "authorization") || isWordAt(value, "bearer");
   }
 
-  // A header's value ends with its line, or with the string that contains the header. The first of
-  // two words is the scheme, which is not masked.
+  // A header's value ends with its line or with the string that contains the header. Of two words,
+  // the first is the scheme, which is unchanged.
   void maskHeader(const Quote& before) {
     const std::size_t end = before.mark == '\0' ? endOfLine(at_) : endOfQuoted(at_, before);
     const std::size_t scheme = endOfName(at_);

@@ -1,4 +1,4 @@
-// Masks secrets in text that people read: log lines and printed requests. Has no state; safe from
+// Masks secrets in text that people read: log lines and printed requests. Holds no state; safe from
 // any thread.
 
 #ifndef BASE_MASKSECRETS_H_
@@ -11,11 +11,11 @@ namespace base {
 // The text that replaces each secret.
 extern const char kSecretMask[];
 
-// Returns a copy of `text` in which the mask replaces these secrets: the word after "Bearer"; the
-// values of members, parameters, headers and cookies whose names contain token, password, secret or
-// authorization; the customer's cookies; the password in a URL. Supports compact and styled JSON,
-// JSON escaped in another string, shell text in single quotes, and text cut off within a value.
-// Empty values, null, true and false are unchanged. In doubt it masks too much.
+// A copy of `text` in which the mask replaces: the word after "Bearer"; the values of members,
+// parameters, headers and cookies whose names contain token, password, secret or authorization; the
+// customer's cookies; the password in a URL. Reads JSON, compact, styled, or escaped in another
+// string; shell text in single quotes; and text that is cut off within a value. Empty values, null,
+// true and false are unchanged. In doubt it masks too much.
 std::string maskSecrets(const std::string& text);
 
 }  // namespace base

@@ -15,27 +15,28 @@ namespace settings {
 const Setting kRoot = {"ORVANE_ROOT", "$XDG_STATE_HOME/orvane, else ~/.local/state/orvane",
                        "folder that contains all device paths"};
 const Setting kCaFile = {"ORVANE_CA_FILE", "",
-                         "PEM file of trusted CA certificates, instead of the system's"};
+                         "file of CA certificates (PEM) to use instead of the system's"};
 const Setting kPinnedKey = {"ORVANE_PINNED_KEY", "",
-                            "public key that a server must show: sha256//BASE64[;sha256//BASE64]"};
+                            "public key that a server must have: sha256//BASE64[;sha256//BASE64]"};
 const Setting kConnectTo = {"ORVANE_CONNECT_TO", "",
                             "where to connect instead: HOST:PORT:TO-HOST:TO-PORT[,...]; an empty "
                             "HOST or PORT matches any"};
 const Setting kHttpVersion = {
     "ORVANE_HTTP_VERSION", "1.1",
-    "HTTP version to request: 1.1 or 2; an open connection keeps its own"};
-const Setting kMaxAnswerBytes = {"ORVANE_MAX_ANSWER_BYTES", "16777216",
-                                 "largest response body in bytes, after decompression"};
+    "HTTP version to request: 1.1 or 2; an open connection keeps its version"};
+const Setting kMaxResponseBytes = {"ORVANE_MAX_ANSWER_BYTES", "16777216",
+                                   "largest response body in bytes, after decompression"};
 const Setting kConnectTimeoutSeconds = {"ORVANE_CONNECT_TIMEOUT", "10",
                                         "seconds to wait for a connection"};
 const Setting kStallTimeoutSeconds = {"ORVANE_STALL_TIMEOUT", "30",
-                                      "seconds without data after which an exchange without a time "
+                                      "seconds without a byte after which a request without a time "
                                       "limit fails"};
 const Setting kLogLevel = {"ORVANE_LOG_LEVEL", "2",
-                           "highest level that is logged: 2 failures, 5 information"};
-const Setting kLogTarget = {"ORVANE_LOG", "stderr", "where the log goes: stderr, syslog or a file"};
+                           "highest level that is logged: 2 for failures, 5 for information"};
+const Setting kLogTarget = {"ORVANE_LOG", "stderr",
+                            "target of the log: stderr, syslog or the path of a file"};
 const Setting kLogSecrets = {"ORVANE_LOG_SECRETS", "0",
-                             "1 shows tokens and passwords in the log instead of masking them"};
+                             "1 to show tokens and passwords in the log instead of masking them"};
 const Setting kStoreVersion = {"ORVANE_STORE_VERSION", "3",
                                "generation of the book store that the device uses"};
 }  // namespace settings
@@ -47,7 +48,7 @@ const std::vector<Setting>& allSettings() {
       settings::kPinnedKey,
       settings::kConnectTo,
       settings::kHttpVersion,
-      settings::kMaxAnswerBytes,
+      settings::kMaxResponseBytes,
       settings::kConnectTimeoutSeconds,
       settings::kStallTimeoutSeconds,
       settings::kLogLevel,
@@ -60,7 +61,7 @@ const std::vector<Setting>& allSettings() {
 
 namespace {
 
-// Parses the whole of `digits` as a number within the bounds.
+// Parses all of `digits` as a number within the bounds.
 bool parseNumber(const std::string& digits, long long lowest, long long highest,
                  long long* result) {
   char* end = nullptr;
@@ -70,8 +71,8 @@ bool parseNumber(const std::string& digits, long long lowest, long long highest,
          *result <= highest;
 }
 
-// A setting is read at every request, so an invalid value is reported only once. Another copy of
-// this code in the process may repeat the line.
+// Settings are read at every request, so that each invalid value is reported only once. Another
+// copy of this code in the process may report the value again.
 void reportOnce(const Setting& setting, const std::string& value, const std::string& expected) {
   static std::mutex mutex;
   static std::set<std::string> reported;

@@ -3,7 +3,7 @@
 namespace base {
 namespace {
 
-// The length of a multi-byte character that begins with `first`; 0 if none can.
+// The length of the UTF-8 character that begins with `first`; 0 if none does.
 std::size_t announcedLength(unsigned char first) {
   if (first < 0xc2 || first > 0xf4) {
     return 0;
@@ -11,8 +11,8 @@ std::size_t announcedLength(unsigned char first) {
   return first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
 }
 
-// True when the two bytes cannot begin printable UTF-8: overlong forms, surrogates, code points
-// beyond the last one, and the C1 control characters.
+// True for two bytes that do not begin a printable character: overlong forms, surrogates, values
+// beyond U+10FFFF, and control characters.
 bool isForbiddenPair(unsigned char first, unsigned char second) {
   const bool isTooLong = (first == 0xe0 && second < 0xa0) || (first == 0xf0 && second < 0x90);
   const bool isOutside = (first == 0xed && second > 0x9f) || (first == 0xf4 && second > 0x8f);

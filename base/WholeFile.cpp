@@ -31,9 +31,9 @@ const char* adviceFor(int error) {
     case EISDIR:
     case ENOTDIR:
     case EINVAL:
-      return "move away what is in its place";
+      return "remove what is in place of the file or folder";
     case EFBIG:
-      return "move the file away or make it smaller";
+      return "remove the file or make it smaller";
     default:
       return "check the file system and try again";
   }
@@ -48,7 +48,7 @@ std::string nameOf(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-// A hidden name beside `path`, which no configuration file has.
+// A name beside `path` that no other file has.
 std::string hiddenBeside(const std::string& path, const std::string& suffix) {
   return folderOf(path) + "/." + nameOf(path) + suffix;
 }
@@ -61,7 +61,7 @@ FileFailure syncFolder(const std::string& folder) {
   return ::fsync(descriptor.get()) == 0 ? FileFailure() : failed("fsync folder");
 }
 
-// Creates a file. Removes an existing one, which a dead writer has left.
+// Opens a new file. Removes an existing file, which a dead writer has left.
 int openNew(const std::string& path) {
   const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   const int file = ::open(path.c_str(), flags, 0600);
@@ -70,8 +70,8 @@ int openNew(const std::string& path) {
              : file;
 }
 
-// A new file beside `path`, removed unless it is put in place. One name is enough: only the holder
-// of the lock creates it.
+// A new file beside `path`, which is removed unless it is moved to `path`. One name is enough: only
+// the owner of the lock creates the file.
 class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& path)
@@ -124,9 +124,9 @@ class TemporaryFile {
   bool exists_;
 };
 
-// Reads the open file. Fails with EFBIG when the file grows beyond the limit.
+// Reads the open file into `*content`.
 FileFailure readAll(int file, std::size_t expected, std::size_t limit, std::string* content) {
-  content->resize(expected + 1);  // one byte more, to see the end of the file in the first read
+  content->resize(expected + 1);  // one more, to find the end without another read
   std::size_t size = 0;
   for (;;) {
     const ssize_t count = ::read(file, &(*content)[size], content->size() - size);
@@ -154,7 +154,7 @@ FileFailure makeOneFolder(const std::string& folder) {
   if (::mkdir(folder.c_str(), 0700) == 0) {
     return syncFolder(folderOf(folder));
   }
-  // If the existing name is not a folder, the next step that uses it fails.
+  // If it is not a folder, its next use fails.
   return errno == EEXIST ? FileFailure() : failed("make folder");
 }
 
@@ -168,8 +168,8 @@ FileFailure makeFolder(const std::string& folder) {
   return failureAbove ? failureAbove : makeOneFolder(folder);
 }
 
-// Opens the lock file of `path`, and creates its folder if that is missing. Returns -1 on failure,
-// with the reason in `*failure`.
+// Opens the lock file of `path`, after creating its folder if that is missing. On failure returns
+// -1, with the reason in `*failure`.
 int openLockFile(const std::string& path, FileFailure* failure) {
   const std::string name = hiddenBeside(path, ".lock");
   const int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
@@ -196,18 +196,21 @@ Descriptor::~Descriptor() {
 
 bool Descriptor::close() {
   const int descriptor = descriptor_;
-  descriptor_ = -1;  // closed, whatever the result
+  descriptor_ = -1;  // it is closed, whatever the result
   return ::close(descriptor) == 0;
 }
 
+std::string FileFailure::reason() const {
+  return std::string(step) + ": " + std::generic_category().message(error);
+}
+
 std::string FileFailure::text() const {
-  return std::string(step) + ": " + std::generic_category().message(error) + "; " +
-         adviceFor(error);
+  return reason() + "; " + adviceFor(error);
 }
 
 FileFailure readWholeFile(const std::string& path, std::size_t limit, std::string* content) {
   content->clear();
-  // Without O_NONBLOCK, opening a pipe at this path would wait for a writer.
+  // Without O_NONBLOCK, open() would wait for the other end of a pipe in place of the file.
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.isOpen()) {
     return failed("open");
