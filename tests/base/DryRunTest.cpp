@@ -6,7 +6,7 @@
 
 namespace {
 
-// Whether a child of this process would be in a dry run.
+// True if a child of this process would be in a dry run.
 bool isDryRunInAChild() {
   const int status = support::statusOfNewProcess([] { return base::isDryRun() ? 1 : 0; });
   EXPECT_TRUE(WIFEXITED(status));

@@ -168,7 +168,7 @@ TEST(MaskSecretsTest, KeepsBytesThatAreNoText) {
   EXPECT_EQ(maskSecrets(text), "\xff\x80{\"token\":\"***\"}\xfe");
 }
 
-// What takes the square of the length would not end within the test's time.
+// An algorithm with quadratic time would exceed the test's time limit.
 TEST(MaskSecretsTest, ComesToItsEndOnLongOddTexts) {
   const std::size_t length = 8u << 20;
   for (const std::string unit : {"\\", "'\\''", "token ", "://", "token=\\", "\"token\":", " ",

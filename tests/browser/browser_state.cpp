@@ -1,6 +1,6 @@
-// Prints what the library gives the embedded browser, as one JSON document. It opens the library at
-// run time and knows the three undecorated symbols only, as the device's browser does.
-// Usage: browser_state PATH-OF-LIBRARY
+// Prints the data that the library gives the embedded browser, as one JSON document. Like the
+// device's browser, it opens the library at run time and uses only its three C symbols. Usage:
+// browser_state PATH-OF-LIBRARY
 
 #include <dlfcn.h>
 
@@ -53,7 +53,7 @@ Json::Value asJson(const TextMap& texts) {
   return object;
 }
 
-// The cookies and the headers come with a store's address each: it has to be the same one.
+// Cookies and headers each come with a store's address, which must be the same.
 Json::Value stateFrom(const Library& library) {
   TextMap cookies;
   TextMap headers;

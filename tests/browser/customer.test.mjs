@@ -1,5 +1,5 @@
-// The customer who signed in on the reader is the one whom the store's web page greets in a real
-// browser: with the cookies and headers that the library gives, and until it gives none.
+// The store's web page greets the signed-in customer in a real browser, with the cookies and
+// headers from the library, until the customer signs out.
 import assert from 'node:assert/strict';
 import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -44,7 +44,7 @@ const customers = [
   },
 ];
 
-// What the page shows to the eye, and what it says about the customer in its attributes.
+// The visible text of the page, and its attributes about the customer.
 const readPage = `
   const main = document.querySelector('main');
   return {
@@ -57,7 +57,7 @@ const readPage = `
     cacheId: main.dataset.cacheId,
   };`;
 
-// Does what the firmware does with the library's answer before it shows the store.
+// Passes the library's data to the browser as the firmware does before it shows the store.
 async function equip(browser, state) {
   for (const [name, value] of Object.entries(allCookies(state))) {
     const cookie = { name, value, url: state.storeUrl, secure: true, httpOnly: true };
@@ -88,7 +88,7 @@ for (const line of ['old', 'new']) {
       });
     });
 
-    // Lets `use` work with a browser that has never been used and that trusts the given key.
+    // Calls `use` with a new browser that trusts the given key.
     async function withBrowser(keyDigest, use) {
       const profile = mkdtempSync(join(folder, 'profile-'));
       const browser = await driver.open({ profile, storePort: store.port, keyDigest });
@@ -99,7 +99,7 @@ for (const line of ['old', 'new']) {
       }
     }
 
-    // What a fresh browser that got `state` shows of the store, and what it asked the store for.
+    // The page in a new browser that got `state`, and the browser's requests to the store.
     async function visit(state, picture) {
       await store.forgetRequests();
       return withBrowser(store.keyDigest, async (browser) => {

@@ -1,4 +1,4 @@
-// A reader: a root folder of its own, and the programs that call the library in it, each in its own
+// A reader: a separate root folder, and programs that call the library in it, each in a new
 // process.
 import { join } from 'node:path';
 
@@ -10,7 +10,7 @@ export class Device {
   #environment;
 
   // `programs` is the folder of the built programs, `library` the library's path, `root` the folder
-  // below which the device's files live.
+  // of the device's files.
   constructor({ programs, library, root, store }) {
     this.#programs = programs;
     this.#library = library;
@@ -31,7 +31,8 @@ export class Device {
     await this.#run('sign_out');
   }
 
-  // What the library gives the browser now: { cookies, headers, storeUrl, isLoggedIn }.
+  // The data that the library currently gives the browser: { cookies, headers, storeUrl, isLoggedIn
+  // }.
   async browserState() {
     return JSON.parse(await this.#run('browser_state', [this.#library]));
   }

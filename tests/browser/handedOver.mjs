@@ -1,5 +1,5 @@
-// What the library hands to the browser ({ cookies, headers }, by name), and what of it reaches the
-// store.
+// Checks the data that the library gives the browser ({ cookies, headers }, by name), and the part
+// of it that reaches the store.
 import assert from 'node:assert/strict';
 
 // "a=b; c=d" as pairs.
@@ -7,8 +7,8 @@ function cookiePairs(text) {
   return text.split('; ').map((pair) => pair.split(/=(.*)/s).slice(0, 2));
 }
 
-// The cookies of both maps. A browser replaces any other Cookie header by that of its own cookies,
-// so the pairs in the library's header become cookies as well.
+// The cookies of both maps. A browser replaces any Cookie header with its own cookies, so the pairs
+// in the library's header become cookies, too.
 export function allCookies({ cookies, headers }) {
   const inHeader = headers.Cookie ? cookiePairs(headers.Cookie) : [];
   return { ...Object.fromEntries(inHeader), ...cookies };
@@ -18,8 +18,8 @@ export function allHeaders({ headers: { Cookie, ...others } }) {
   return others;
 }
 
-// That the library gives everything, and that cookies and headers tell of the same tokens, reader
-// and store.
+// Checks that the data is complete, and that cookies and headers have the same tokens, reader and
+// store.
 export function assertComplete({ cookies, headers }, { storeCode, cookieHeader }, cacheIdNames) {
   const tokenNames = ['orvane-customer', 'orvane-customer-refresh', 'orvane-serial-number'];
   assert.deepEqual(Object.keys(cookies), [...tokenNames, ...cacheIdNames]);
@@ -52,8 +52,8 @@ export function pageRequest(requests) {
   };
 }
 
-// That a request carried what the library gave, each once, and else only what the browser sends of
-// its own account, as in `bareRequest`.
+// Checks that a request had all the library's data, each part once, and otherwise only the
+// browser's own headers, as in `bareRequest`.
 export function assertCarried(request, state, bareRequest) {
   assert.deepEqual(request.cookies, Object.entries(allCookies(state)).sort());
   const given = Object.entries(allHeaders(state)).map(([name, text]) => [name.toLowerCase(), text]);
@@ -68,8 +68,8 @@ export function assertCarried(request, state, bareRequest) {
   );
 }
 
-// That a request tells nothing of the customer or the reader: only the browser's own name remains
-// of all that the library gave before.
+// Checks that a request has no data about the customer or the reader: of the library's earlier
+// data, only the user agent remains.
 export function assertBare(request, earlierState) {
   assert.deepEqual(request.cookies, []);
   const given = Object.keys(allHeaders(earlierState)).map((name) => name.toLowerCase());

@@ -1,4 +1,4 @@
-// Programs that the test starts: each has a time limit and sees nothing of a developer's own state.
+// Starts programs for the test: each has a time limit and cannot see the developer's own state.
 import { execFile } from 'node:child_process';
 import { promisify } from 'node:util';
 
@@ -6,8 +6,8 @@ const execute = promisify(execFile);
 const programMilliseconds = 40000;
 const wholeTestMilliseconds = 120000;
 
-// For a step that may take so long, but no longer than is left of the whole test's time: then there
-// is always time to end what was started.
+// The time limit of a step, but no longer than the rest of the whole test's time, so that there is
+// always time to end the started programs.
 export function timeLimit(milliseconds) {
   return Math.max(1, Math.floor(Math.min(milliseconds, wholeTestMilliseconds - performance.now())));
 }
@@ -18,7 +18,8 @@ export function environmentWith(additions = {}) {
   return { ...Object.fromEntries(inherited), ...additions };
 }
 
-// What the program prints. Rejects with its complaints when it fails or takes too long.
+// Resolves to the output of the program. Rejects with its error output when it fails or takes too
+// long.
 export async function outputOf(
   program,
   programArguments,

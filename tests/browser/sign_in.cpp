@@ -1,5 +1,5 @@
 // Discovers the stores, registers a customer at one of them and signs the customer in.
-// Usage: sign_in STORE-CODE, with e-mail, password, first and last name as lines of standard input
+// Usage: sign_in STORE-CODE, with email, password, first and last name as lines of standard input
 
 #include <algorithm>
 #include <iostream>

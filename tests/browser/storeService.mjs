@@ -50,7 +50,7 @@ export class StoreService {
     return this.#fields.ca;
   }
 
-  // The key that the server shows, as Chromium and curl name one: Base64 of its SHA-256.
+  // The server's public key in the form of Chromium and curl: Base64 of its SHA-256.
   get keyDigest() {
     const certificate = new X509Certificate(readFileSync(join(this.#state, 'server.pem')));
     const key = certificate.publicKey.export({ type: 'spki', format: 'der' });
@@ -61,7 +61,7 @@ export class StoreService {
     await this.#control('DELETE', '/requests');
   }
 
-  // The requests that arrived since they were forgotten last, oldest first.
+  // The requests since the list was last cleared, oldest first.
   requests() {
     return this.#control('GET', '/requests');
   }

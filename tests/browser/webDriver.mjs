@@ -1,5 +1,5 @@
-// A small WebDriver client, and the ChromeDriver process that it talks to. ChromeDriver comes from
-// the same Debian source as Chromium, so that the two always fit each other.
+// A small WebDriver client, and the ChromeDriver process that it uses. ChromeDriver comes from the
+// same Debian source package as Chromium, so that the two always match.
 import { spawn } from 'node:child_process';
 
 import { environmentWith, timeLimit } from './processes.mjs';
@@ -31,7 +31,7 @@ export class ChromeDriver {
   #process;
   #address;
 
-  // `folder` takes everything that driver and browser write.
+  // Driver and browser write all their files to `folder`.
   async start(folder) {
     this.#process = spawn('chromedriver', ['--port=0'], {
       env: environmentWith({ HOME: folder, TMPDIR: folder, XDG_CONFIG_HOME: folder }),
@@ -41,7 +41,7 @@ export class ChromeDriver {
     this.#address = `http://127.0.0.1:${await this.#announcedPort()}`;
   }
 
-  // Rejects when there is no chromedriver, or when it says nothing of a port.
+  // Rejects when chromedriver is missing or prints no port.
   #announcedPort() {
     return new Promise((resolve, reject) => {
       const fail = (reason) =>
@@ -58,7 +58,7 @@ export class ChromeDriver {
     });
   }
 
-  // Ends the driver and every browser that it still has, also when they hang.
+  // Ends the driver and all its browsers, even if they hang.
   stop() {
     if (!this.#process?.pid) return;
     try {
@@ -68,7 +68,7 @@ export class ChromeDriver {
     }
   }
 
-  // Starts a browser that has never been used; see commandLine() for the options.
+  // Starts a new browser; see commandLine() for the options.
   async open(options) {
     const { sessionId } = await this.command('POST', '/session', {
       capabilities: {
@@ -115,12 +115,12 @@ class Browser {
     await this.#post('/url', { url });
   }
 
-  // What the script, the body of a function, returns.
+  // Runs a script, the body of a function, and returns its result.
   evaluate(script) {
     return this.#post('/execute/sync', { script, args: [] });
   }
 
-  // A PNG picture of what the window shows.
+  // A screenshot of the window, as PNG.
   async screenshot() {
     return Buffer.from(await this.#driver.command('GET', `${this.#path}/screenshot`), 'base64');
   }

@@ -1,5 +1,5 @@
-// The built command line as processes of its own: a customer's life with the store, over HTTPS
-// against both lines of the platform.
+// The built bookstore program, a new process for each command: a customer's use of the store, over
+// HTTPS against both lines of the platform.
 
 #include <poll.h>
 #include <pty.h>
@@ -31,7 +31,7 @@ using ::testing::UnorderedElementsAre;
 namespace {
 
 const char kPassword[] = "Secret \"Pass\" 1";
-const char kEscapedPassword[] = "Secret \\\"Pass\\\" 1";  // as it stands in a request
+const char kEscapedPassword[] = "Secret \\\"Pass\\\" 1";  // escaped as in a request
 
 class CommandLineTest : public support::EndToEndTest,
                         public ::testing::WithParamInterface<const char*> {
@@ -44,7 +44,7 @@ class CommandLineTest : public support::EndToEndTest,
     EXPECT_EQ(run({"stores", "--refresh"}).code, 0);
   }
 
-  // Nothing that the program printed or logged tells a secret.
+  // Checks that the program's output and log contain no secret.
   ~CommandLineTest() override {
     secrets.insert(secrets.end(), {kPassword, kEscapedPassword});
     noteTokens();
@@ -62,7 +62,7 @@ class CommandLineTest : public support::EndToEndTest,
     return ended;
   }
 
-  // From any thread.
+  // Safe from any thread.
   static Ended runQuietly(std::vector<std::string> words, const std::string& input = "") {
     words.insert(words.begin(), BOOKSTORE_PROGRAM);
     return support::run(words, input);
@@ -122,7 +122,7 @@ TEST_P(CommandLineTest, ACustomerLivesWithTheStore) {
             email + " is already registered at " + german);
   EXPECT_EQ(signIn().output, "Signed in as " + email + " at " + german);
   noteTokens();
-  // Every command is a new process: from here on the token file tells the rest.
+  // Every command is a new process, which reads the session from the token file.
   EXPECT_EQ(run({"whoami"}).output, "Ada Byron <" + email + "> at " + german);
   EXPECT_EQ(run({"refresh"}).output, "Refreshed the tokens\n");
   noteTokens();
@@ -212,7 +212,7 @@ TEST_P(CommandLineTest, OfTwoRefreshesAtOnceOneReachesTheStore) {
   const std::size_t readBefore = logged("Load tokens: ").size();
   std::vector<std::future<Ended>> refreshes;
   {
-    // Both have read the token before either can spend it.
+    // Both have read the token before either can use it.
     const base::FileLock lock(lockedPath());
     for (int count = 0; count < 2; ++count) {
       refreshes.push_back(std::async(std::launch::async, [] { return runQuietly({"refresh"}); }));
@@ -262,7 +262,7 @@ TEST_P(CommandLineTest, ASignOutWaitsForARefreshAndComesLast) {
 
 namespace {
 
-// The program on a terminal of its own, at which the test types.
+// The program on a pseudo-terminal, at which the test types.
 class AtTerminal {
  public:
   explicit AtTerminal(std::vector<std::string> words) {
@@ -279,7 +279,7 @@ class AtTerminal {
       ::close(master_);
       ::login_tty(slave_);
       for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-        std::signal(signal, SIG_DFL);  // whatever the one who runs the tests ignores
+        std::signal(signal, SIG_DFL);  // the caller of the tests may ignore the signal
       }
       ::execv(arguments[0], arguments.data());
       ::_exit(127);
@@ -296,7 +296,7 @@ class AtTerminal {
   AtTerminal(const AtTerminal&) = delete;
   AtTerminal& operator=(const AtTerminal&) = delete;
 
-  // Waits until the terminal shows `text`, after what was waited for before.
+  // Waits until the terminal shows `text`, after the texts of earlier calls.
   void waitFor(const std::string& text) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     std::size_t found = 0;
@@ -319,7 +319,7 @@ class AtTerminal {
     return (settings.c_lflag & ECHO) != 0;
   }
 
-  // The status of the program's end, in the form of waitpid().
+  // The exit status of the program, as from waitpid().
   int waitForEnd() {
     int status = 0;
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
@@ -423,7 +423,7 @@ TEST_P(CommandLineTest, AsksAgainAfterASignalThatDidNotEndIt) {
   registerCustomer();
   AtTerminal session({"sign-in", "--store", "de_de", "--email", email});
   session.waitFor("Password: ");
-  session.send(SIGTSTP);  // without a shell above it, the process goes on at once
+  session.send(SIGTSTP);  // without a parent shell, the process continues at once
   session.waitFor("Password: ");
   session.type(std::string(kPassword) + "\n");
   EXPECT_EQ(session.waitForEnd(), 0) << session.shown;

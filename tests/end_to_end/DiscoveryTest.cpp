@@ -1,4 +1,4 @@
-// Store discovery through the real library, the real host and a real service over HTTPS.
+// Store discovery with the real library, the real host and a real store service over HTTPS.
 
 #include <thread>
 
@@ -17,7 +17,7 @@ using Stores = graphql::GraphQLStorageApi::StoreInfoList;
 
 class DiscoveryTest : public support::EndToEndTest {
  protected:
-  // A state with stores in it, so that a failure could lose some.
+  // A state with stores, which a failure could lose.
   std::unique_ptr<graphql::GraphQLApi> apiWithStores() {
     auto api = makeApi();
     EXPECT_THAT(api->getStores(), SizeIs(5));
@@ -26,7 +26,7 @@ class DiscoveryTest : public support::EndToEndTest {
     return api;
   }
 
-  // No stores, one callback, one log line, and state and files as they were.
+  // No stores, one callback, one log line, and unchanged state and files.
   void expectFailure(const Stores& stores, int err, int code) {
     EXPECT_THAT(stores, IsEmpty());
     EXPECT_THAT(failures, ElementsAre(Pair(err, code)));

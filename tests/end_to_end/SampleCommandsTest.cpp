@@ -1,5 +1,4 @@
-// The commands for samples as processes of their own, over HTTPS against both lines of the
-// platform.
+// The commands for samples, each in a new process, over HTTPS against both lines of the platform.
 
 #include <csignal>
 #include <filesystem>
@@ -50,7 +49,7 @@ class SampleCommandsTest : public support::EndToEndTest,
     EXPECT_EQ(run({"sample", "add", book, kBooks + name}).code, 0);
   }
 
-  // A file that a test waits for is written by the program that it has started.
+  // The file that a test waits for is written by a program that the test has started.
   static int processIn(const std::string& path) {
     int process = 0;
     support::waitUntil([&] { return static_cast<bool>(std::ifstream(path) >> process); });

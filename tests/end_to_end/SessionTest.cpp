@@ -1,4 +1,4 @@
-// A customer's life with the store: registration, sign-in, refresh, profile, sign-out, over HTTPS
+// A customer's use of the store: registration, sign-in, refresh, profile, sign-out, over HTTPS
 // against both lines of the platform.
 
 #include <algorithm>
@@ -107,7 +107,7 @@ TEST_P(SessionTest, AWrongPasswordEmptiesTheStoredTokens) {
   EXPECT_FALSE(GraphQLStorageApi().isLoggedIn());
   EXPECT_EQ(GraphQLStorageApi().currentStore().storeCode, "de_de");
   if (isNewLine()) {
-    // Of a 401 the library reads "code" alone, and the platform sends none.
+    // From a response with 401 the library reads "code" only, which the platform does not send.
     EXPECT_EQ(login.errorInfo.error, 0);
     EXPECT_THAT(failures, ElementsAre(Pair(0, 401)));
   } else {
@@ -246,7 +246,7 @@ TEST_P(SessionTest, EveryRequestIsValidForTheServersSchema) {
 
 namespace {
 
-// A hundred texts that a careless client breaks its body with.
+// A hundred texts that would break the body of a careless client.
 std::vector<std::string> oddTexts() {
   const std::vector<std::string> pieces = {"\"",
                                            "\\",

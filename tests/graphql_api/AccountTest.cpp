@@ -1,4 +1,4 @@
-// The customer's account: e-mail availability, registration, password reset, profile.
+// The customer's account: email availability, registration, password reset, profile.
 
 #include "tests/graphql_api/OperationTest.h"
 
@@ -277,7 +277,7 @@ TEST_F(AccountTest, AnotherStatusOfTheProfileIsToldThenLogged) {
   }
 }
 
-// --- What all four share -------------------------------------------------------------------------
+// --- All four operations -------------------------------------------------------------------------
 
 TEST_F(AccountTest, NoAccountOperationTouchesTheSession) {
   bool available = false;

@@ -1,5 +1,4 @@
-// The undecorated functions for the embedded browser, called as another program would: by the name
-// of their symbol.
+// The C functions for the embedded browser, called by symbol name, as another program would.
 
 #include <dlfcn.h>
 

@@ -1,5 +1,5 @@
-// The identity of the device, which a process reads once: each test looks at a process of its own,
-// and no test of this program builds headers outside one.
+// The identity of the device, which a process reads once. Each test starts a new process, and only
+// these processes build headers.
 
 #include "graphql_api/GraphQLHeader.h"
 

@@ -1,4 +1,4 @@
-// Store discovery, and with it the frame that every operation shares.
+// Store discovery, and the steps that all operations share.
 
 #include <stdexcept>
 
@@ -63,7 +63,8 @@ class GetStoresTest : public PlatformTest {
     EXPECT_THAT(platform().callsOf({"CfgWrapper"}), IsEmpty());
   }
 
-  // An answer without the expected data: an empty list, stored as such, and no failure told.
+  // A response without the expected data: an empty list is returned and saved, and no failure
+  // reported.
   void expectNoData(const std::string& answer) {
     storage->setStoresList({makeStore("old")});
     platform().log.clear();
@@ -205,7 +206,7 @@ TEST_F(GetStoresTest, CommentsInTheAnswerReachTheLog) {
   EXPECT_EQ(platform().log.at(0).text, "Stores responce: [\n// kept\n{}\n]");
 }
 
-// --- Answers without the expected data -----------------------------------------------------------
+// --- Responses without the expected data ---------------------------------------------------------
 
 TEST_F(GetStoresTest, AnAnswerWithoutAListOfStoresEmptiesTheStoredList) {
   for (const char* answer :

@@ -1,4 +1,4 @@
-// The class itself: the endpoint, the error callback, and how errors in an answer become a record.
+// The class itself: the endpoint, the error callback, and the record for errors in a response.
 
 #include "graphql_api/GraphQLApi.h"
 
@@ -122,7 +122,7 @@ TEST_F(GraphQLApiTest, ACallbackMayReplaceItself) {
   const auto held = std::make_shared<int>(0);
   api.setErrorCb([this, held](int, int) {
     api.setErrorCb({});
-    EXPECT_EQ(held.use_count(), 2);  // this function is still there
+    EXPECT_EQ(held.use_count(), 2);  // this function also holds a reference
   });
   api.getStores();
   EXPECT_EQ(held.use_count(), 1);
@@ -243,7 +243,7 @@ TEST_F(GraphQLApiTest, TheRequestOfEachOperationLivesUntilItReturns) {
   }
 }
 
-// --- Errors in an answer -------------------------------------------------------------------------
+// --- Errors in a response ------------------------------------------------------------------------
 
 TEST_F(GraphQLApiTest, TheFirstMessageIsTheErrorMessage) {
   EXPECT_EQ(errorMessage(R"({"errors":[{"message":"one"},{"message":"two"}]})"), "one");
@@ -272,7 +272,7 @@ TEST_F(GraphQLApiTest, WithoutAListOfErrorsThereIsNoMessage) {
 }
 
 TEST_F(GraphQLApiTest, AnEmptyMessageIsNoError) {
-  // The first message counts, also when it says nothing.
+  // The first message counts, even if it is empty.
   EXPECT_EQ(errorInfo(R"({"errors":[{"message":""},{"message":"two"}]})").error, 0);
 }
 

@@ -1,5 +1,5 @@
-// Reading JSON under locales that write numbers in another way. The unit is internal to the
-// library: the test compiles it.
+// Reads JSON in locales with another number format. The unit is internal to the library, so the
+// test compiles it.
 
 #include "graphql_api/JsonText.h"
 
@@ -44,7 +44,7 @@ Json::Value parsed(const std::string& text) {
   return value;
 }
 
-// Numbers that are and that are not JSON, alone and where more follows.
+// Valid and invalid JSON numbers, alone and before other text.
 std::vector<std::string> texts() {
   std::vector<std::string> all = {
       R"({"a":"9.99","b":9.99,"c\"1.5":"\\","d":"\"1.5\" 2.5","e":2.5})",

@@ -1,5 +1,5 @@
-// Operations at the end of a thread and of a process, where objects of static and of thread storage
-// are destroyed already. Each test ends a process of its own.
+// Operations at the end of a thread and of a process, when static and thread-local objects may
+// already be destroyed. Each test ends a new process.
 
 #include <pthread.h>
 #include <unistd.h>
@@ -16,7 +16,7 @@ using support::passesInNewProcess;
 
 namespace {
 
-// An operation with an answer, its log line included.
+// An operation with a response, including its log line.
 bool operationSucceeds() {
   fake::reset();
   fake::platform().http.answer(
@@ -28,10 +28,10 @@ bool operationSucceeds() {
 
 enum class End { Ignored, GlobalDestructor, ExitHandler };
 
-// What runs an operation when the process ends; the process then ends with its result.
+// Runs an operation when the process ends; its result becomes the exit status.
 class AtEnd {
  public:
-  // The fake platform is made first, and so destroyed last.
+  // The fake platform is created first, so it is destroyed last.
   AtEnd() {
     fake::platform();
     std::atexit([] { instance.endWith(End::ExitHandler); });
@@ -60,7 +60,7 @@ AtEnd& atEnd() {
   return AtEnd::instance;
 }
 
-// True when an operation succeeds at that time, after another one that succeeded.
+// True when an operation succeeds at that time, after an earlier operation has succeeded.
 bool succeedsAgainAt(End end) {
   return passesInNewProcess([end] {
     ASSERT_TRUE(operationSucceeds());

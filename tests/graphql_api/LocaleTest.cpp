@@ -1,5 +1,5 @@
-// The library under a locale that writes numbers in another way than JSON. A locale belongs to the
-// whole process: each test sets it in a process of its own.
+// The library in a locale with another number format than JSON. A locale belongs to the whole
+// process, so each test sets it in a new process.
 
 #include <clocale>
 #include <locale>
@@ -39,7 +39,7 @@ TEST_P(LocaleTest, KeysOfTheStoreListStayPlainNumbers) {
     makeStorage()->setStoresList(StoreInfoList(1200, makeStore("a")));
     EXPECT_EQ(storeListFile().at("count"), "1200");
     EXPECT_EQ(storeListFile().count("url1199"), 1U);
-    // One record far up is enough to see its index read.
+    // One record with a high index is enough to check how the index is read.
     storeListFile() = {{"count", "1200"}, {"url1199", "u"}, {"apiUrl1199", "a"}};
     EXPECT_EQ(GraphQLStorageApi().storesList().size(), 1U);
   }));

@@ -1,5 +1,5 @@
-// What the tests of single operations share: a signed-in customer, an API object over that state,
-// and a callback that is recorded among the platform's calls.
+// Shared by the tests of single operations: a signed-in customer, an API object over that state,
+// and a callback that is recorded with the platform's calls.
 
 #ifndef TESTS_GRAPHQL_API_OPERATIONTEST_H_
 #define TESTS_GRAPHQL_API_OPERATIONTEST_H_
@@ -30,7 +30,7 @@ class OperationTest : public PlatformTest {
     platform().log.clear();
   }
 
-  // Callbacks, log lines of failures and of answers, and writes of the session, in their order.
+  // Callbacks, log lines of failures and of responses, and writes of the session, in order.
   std::vector<std::string> effects() { return platform().callsOf({"callback", "log", "save"}); }
 
   const fake::Request& request() { return platform().http.requests.back(); }
@@ -46,7 +46,7 @@ class OperationTest : public PlatformTest {
     EXPECT_EQ(request().body.back(), '\n');
   }
 
-  // The log line of a parsed answer.
+  // The log line of a parsed response.
   static std::string responseLine(const std::string& label, const std::string& answer) {
     return "log 5 " + label + " responce: [" + support::parseJson(answer).toStyledString() + "]";
   }
@@ -56,7 +56,7 @@ class OperationTest : public PlatformTest {
   graphql::GraphQLApi api;
 };
 
-// Answers without any data: their root, or their "data", is no object or not there.
+// Responses without any data: the root, or its "data", is missing or not an object.
 const char* const kAnswersWithoutData[] = {"",
                                            "{}",
                                            "502 Bad Gateway",

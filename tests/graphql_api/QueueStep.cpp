@@ -1,5 +1,5 @@
-// One step of the queue, for a test that lets its system calls fail: it adds an item, removes one
-// or takes the next one. The call of getppid() marks where the step begins, and where it ends.
+// One step of the queue, for a test that makes its system calls fail: adds an item, removes an item
+// or gets the next item. Calls of getppid() mark the begin and the end of the step.
 //
 // Usage: QueueStep add|remove|next
 

@@ -1,4 +1,4 @@
-// Loading and unloading the library: this program does not link it.
+// Loads and unloads the library, which this program does not link.
 
 #include <dlfcn.h>
 
@@ -18,7 +18,7 @@ bool isLoaded() {
   return library != nullptr;
 }
 
-// The user agent after an operation of a library that is loaded for it alone.
+// Loads the library for one operation, and returns the user agent after it.
 std::string userAgentOfALoadedLibrary() {
   void* const module = ::dlopen(OPERATION_MODULE, RTLD_NOW | RTLD_LOCAL);
   EXPECT_NE(module, nullptr) << ::dlerror();

@@ -1,4 +1,4 @@
-// An operation, for a program that loads the library by way of this module and unloads it again.
+// An operation, for a program that loads and unloads the library through this module.
 
 #include <memory>
 
@@ -7,8 +7,8 @@
 
 extern "C" {
 
-// Stores the number of the stores that the operation found, and the user agent at that time, which
-// lives as long as the library.
+// Stores the number of stores that the operation found, and the user agent, which is valid as long
+// as the library is loaded.
 void runOperation(int* stores, const char** agent) {
   *stores = static_cast<int>(graphql::GraphQLApi(nullptr).getStores().size());
   *agent = userAgent.c_str();

@@ -1,5 +1,5 @@
-// The sample queue file and the entry point that fills it. The file's path is fixed: the program
-// has a /tmp of its own.
+// The sample queue file and the entry point that fills it. The file's path is fixed, so the program
+// has a private /tmp.
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -37,7 +37,7 @@ namespace {
 const char kFiller[] = "/tmp/filler";
 const char kOpenFailed[] = "Condition: \"-1 != fd_\", return(\"1\")]Open failed with ";
 const char kCodingFailed[] = "Condition: \"0 == err\", return(\"-1\")]";
-const uid_t kReader = 12345;  // any user who is not the owner of the queue
+const uid_t kReader = 12345;  // any user except the owner of the queue
 const char kApplication[] = "/ombrel/bin/graphql_sample_metadata.app";
 
 using Item = GraphQLSampleQueue::SampleItem;
@@ -92,8 +92,8 @@ class SampleQueueTest : public PlatformTest {
     return locked;
   }
 
-  // Does `work`, expectations and all, in a process of that user, without privileges. Where this
-  // process may not become another user, it is one of the same user, without privileges.
+  // Runs `work`, including expectations, in a process of that user, without privileges. If changing
+  // the user is not permitted, the process has the same user, without privileges.
   static void asUser(uid_t user, const std::function<void()>& work) {
     EXPECT_TRUE(support::passesInNewProcess([&] {
       if (::setresuid(user, user, user) != 0) {
@@ -103,7 +103,7 @@ class SampleQueueTest : public PlatformTest {
     }));
   }
 
-  // Of root, too: what a file's mode forbids is then forbidden.
+  // Drops privileges, also of root, so that file modes apply.
   static void dropPrivileges() {
     __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
     const __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};
@@ -172,7 +172,7 @@ TEST_F(SampleQueueTest, DestructionDropsTheLock) {
 TEST_F(SampleQueueTest, TwoObjectsKeepEachOtherOut) {
   queue.lockSampleQueueFile();
   std::thread adder([] { GraphQLSampleQueue().addSample("b", "/s"); });
-  // The item can only be there once the lock is dropped.
+  // The item can only be added after the lock is released.
   for (int look = 0; look < 100; ++look) {
     EXPECT_EQ(fileBytes(), "");
     std::this_thread::yield();
@@ -299,7 +299,7 @@ TEST_F(SampleQueueTest, AFileThatMayOnlyBeReadIsReadWithoutTheLock) {
   EXPECT_EQ(fileBytes(), encoded("b1", "/s/1"));
 }
 
-// Whether or not the kernel protects files in folders such as /tmp.
+// With and without the kernel's protection of files in folders such as /tmp.
 TEST_F(SampleQueueTest, UsersShareAQueueThatTheOwnerOfTmpMadeForAll) {
   fileHolds("");
   ASSERT_EQ(::chmod(kQueuePath, 0666), 0);
@@ -459,7 +459,7 @@ TEST_F(SampleQueueTest, AnExceptionOfTheEncodingDropsTheLockAndLeavesTheFile) {
 
 TEST_F(SampleQueueTest, ADamagedItemThatTheDecoderGetsOverHidesNoneBehindIt) {
   fileHolds(encoded("b1", "/s/1") + encoded("b2", "/s/2") + encoded("b3", "/s/3"));
-  // The path of the second item is not read: what follows is decoded from there.
+  // The path of the second item is not read; decoding continues from there.
   platform().failAt("DeserializeString", 4);
   EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/1", "/s/2@b3", "/s/3@b3"));
   EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed, kCodingFailed));
@@ -496,7 +496,7 @@ TEST_F(SampleQueueTest, InterruptedCallsAreMadeAgain) {
   for (const char* call : {"read", "write", "ftruncate"}) {
     faults.fail(call, EINTR, 1, 2);
   }
-  faults.fail("open", EINTR, 2);  // the first one is the lock's
+  faults.fail("open", EINTR, 2);  // the first open() is for the lock
   queue.addSample("b2", "/s/2");
   EXPECT_THAT(items(), ElementsAre("b1@/s/1", "b2@/s/2"));
   EXPECT_THAT(platform().log, IsEmpty());
@@ -517,7 +517,7 @@ TEST_F(SampleQueueTest, AFileThatCannotBeReadIsNotRewritten) {
   for (const std::string call : {"open", "fstat", "read"}) {
     for (const int error : {EIO, EMFILE, EAGAIN, EACCES}) {
       fileHolds(before);
-      const int nth = call == "open" ? 2 : 1;  // the first open() is the lock's
+      const int nth = call == "open" ? 2 : 1;  // the first open() is for the lock
       {
         SystemCallFaults faults;
         faults.fail(call, error, nth);
@@ -564,7 +564,7 @@ TEST_F(SampleQueueTest, AFileThatCannotBeOpenedForWritingStaysAndEachItemIsLogge
   const std::string before = encoded("b1", "/s/1");
   fileHolds(before);
   SystemCallFaults faults;
-  faults.fail("open", EMFILE, 3);  // after the lock's and the reader's
+  faults.fail("open", EMFILE, 3);  // after those for the lock and the reader
   queue.addSample("b2", "/s/2");
   EXPECT_EQ(fileBytes(), before);
   EXPECT_THAT(platform().logTexts(kFailureLevel), ElementsAre(kCodingFailed, kCodingFailed));
@@ -590,7 +590,7 @@ TEST_F(SampleQueueTest, TheContentIsCompleteBeforeTheFileIsTruncated) {
   EXPECT_EQ(faults.count("read"), 1);
 }
 
-// --- Other things in place of the file -----------------------------------------------------------
+// --- Other kinds of files at the path ------------------------------------------------------------
 
 TEST_F(SampleQueueTest, AnEmptyDeviceInPlaceOfTheFileIsAnEmptyQueue) {
   ASSERT_EQ(::symlink("/dev/null", kQueuePath), 0);

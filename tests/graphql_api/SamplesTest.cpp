@@ -36,7 +36,7 @@ class SamplesTest : public OperationTest {
               "");
   }
 
-  // The prices of a range whose amounts and currency are these JSON texts.
+  // The prices of a range with these JSON texts as amounts and currency.
   SampleMetadata priced(const std::string& finalValue, const std::string& regularValue,
                         const std::string& currency = "\"EUR\"") {
     return pricesOf(R"({"uid":"MTIz","price_range":{"minimum_price":{"final_price":{"value":)" +

@@ -1,4 +1,4 @@
-// Sign-in and token refresh, and the four ways in which they differ on purpose.
+// Sign-in and token refresh, and their four deliberate differences.
 
 #include "tests/graphql_api/OperationTest.h"
 
@@ -86,7 +86,7 @@ TEST_F(SessionTest, ASignInLogsTheFinishedRequestUnmasked) {
   EXPECT_THAT(calls[11], StartsWith("PerformRequestWithHeaders"));
 }
 
-// --- Sign-in: the answer -------------------------------------------------------------------------
+// --- Sign-in: the response -----------------------------------------------------------------------
 
 TEST_F(SessionTest, ASignInStoresTokensStoreAndCacheId) {
   platform().http.answer(200, kSignedIn, {{"x-magento-cache-id", "c1"}});

@@ -1,5 +1,5 @@
-// What the end-to-end tests share: one store service per program, and per test a root folder of its
-// own with a log in it.
+// Shared by the end-to-end tests: one store service per program, and a separate root folder with a
+// log for each test.
 
 #ifndef TESTS_SUPPORT_ENDTOENDTEST_H_
 #define TESTS_SUPPORT_ENDTOENDTEST_H_
@@ -45,7 +45,7 @@ class EndToEndTest : public ::testing::Test {
 
   std::string root() const { return folder_.path() + "/root"; }
 
-  // An API object over a fresh state object; failures are told to `failures`.
+  // An API object over a new state object; it adds its failures to `failures`.
   std::unique_ptr<graphql::GraphQLApi> makeApi() {
     storage = std::make_shared<graphql::GraphQLStorageApi>();
     auto made = std::make_unique<graphql::GraphQLApi>(storage);
@@ -53,7 +53,7 @@ class EndToEndTest : public ::testing::Test {
     return made;
   }
 
-  // The lines of the log that hold `text`, from their text on.
+  // The lines of the log that contain `text`, without their prefix.
   std::vector<std::string> logged(const std::string& text) const {
     std::vector<std::string> lines;
     std::istringstream in(contentOfFile(folder_.path() + "/log"));

@@ -1,4 +1,4 @@
-// https-server.mjs as a child process, with a certificate of its own. Used by one thread.
+// https-server.mjs as a child process, with a new certificate. Used by one thread.
 
 #ifndef TESTS_SUPPORT_HTTPSSERVER_H_
 #define TESTS_SUPPORT_HTTPSSERVER_H_
@@ -36,7 +36,7 @@ class HttpsServer {
   // The ports on 127.0.0.1.
   int http1Port() const { return http1Port_; }
   int http2Port() const { return http2Port_; }
-  int mutePort() const { return mutePort_; }  // accepts, and says nothing
+  int mutePort() const { return mutePort_; }  // accepts connections, and sends nothing
 
  private:
   void makeCertificate();

@@ -1,5 +1,5 @@
-// What the library's unit tests share: a fresh fake platform per test, the library's files by name,
-// and records to work with.
+// Shared by the library's unit tests: a new fake platform per test, the library's files by name,
+// and sample records.
 
 #ifndef TESTS_SUPPORT_PLATFORMTEST_H_
 #define TESTS_SUPPORT_PLATFORMTEST_H_
@@ -24,10 +24,10 @@ class PlatformTest : public ::testing::Test {
  protected:
   PlatformTest() { fake::reset(); }
 
-  // Opens the gate that the device puts before the tokens of the file.
+  // Writes the device's own token, without which the tokens in the file are ignored.
   void deviceIsRegistered() { platform().config.setSecret(kTokenPath, "fakeSac", "device"); }
 
-  // The token file holds a signed-in customer of `store`.
+  // Makes the token file that of a signed-in customer of `store`.
   void tokenFileHolds(const StoreInfo& store) {
     deviceIsRegistered();
     platform().config.setSecret(kTokenPath, "fakeAccess", "access");
@@ -44,7 +44,7 @@ class PlatformTest : public ::testing::Test {
   }
   std::map<std::string, std::string>& tokenFile() { return platform().config.files[kTokenPath]; }
 
-  // A state object over the files as they stand, without the calls and log lines of its making.
+  // A state object over the current files, without the calls and log lines of its construction.
   std::shared_ptr<graphql::GraphQLStorageApi> makeStorage() {
     auto storage = std::make_shared<graphql::GraphQLStorageApi>();
     platform().calls.clear();

@@ -23,14 +23,14 @@ class StoreService {
   StoreService(const StoreService&) = delete;
   StoreService& operator=(const StoreService&) = delete;
 
-  // Ends the process and keeps the state; start() goes on with it on another port.
+  // Ends the process and keeps the state; start() continues with that state on another port.
   void stop();
   void start();
 
-  // The certificate authority's file.
+  // The path of the CA certificate.
   const std::string& authority() const { return authority_; }
 
-  // What the host's connect-to setting has to be.
+  // The value for ORVANE_CONNECT_TO.
   std::string connectTo() const;
 
   // The state folder of the service.

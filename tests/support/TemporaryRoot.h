@@ -26,7 +26,7 @@ constexpr std::time_t kBeyond2038 = 2524608000;
 // The root folder of the device paths, and a log file beside it.
 class TemporaryRoot {
  public:
-  // Where the device path `path` lives.
+  // The real path of the device path `path`.
   std::string at(const std::string& path) const { return root_ + path; }
   const std::string& path() const { return root_; }
 
@@ -42,7 +42,7 @@ class TemporaryRoot {
     ::chmod(at(path).c_str(), 0600);
   }
 
-  // Sets when a file was changed last, in seconds since 1970.
+  // Sets the modification time of a file, in seconds since 1970.
   void setDate(const std::string& path, std::time_t date) const {
     const struct timespec dates[] = {{date, 0}, {date, 0}};
     if (::utimensat(AT_FDCWD, at(path).c_str(), dates, 0) != 0) {

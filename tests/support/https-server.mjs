@@ -1,7 +1,7 @@
-// A server for the tests of the host's HTTP: answers with canned bytes, chosen by the path, also
-// with such as no real server sends. Usage: node https-server.mjs CERTIFICATE KEY
-// Prints {"http1":PORT,"http2":PORT,"mute":PORT} once it listens (the last one accepts and says
-// nothing); ends when its standard input does.
+// A server for the tests of the host's HTTP. The path selects a canned response, which may be one
+// that no real server sends. Usage: node https-server.mjs CERTIFICATE KEY Prints
+// {"http1":PORT,"http2":PORT,"mute":PORT} when it listens (the last port accepts connections and
+// sends nothing); ends when its standard input is closed.
 
 import { readFileSync } from 'node:fs';
 import http2 from 'node:http2';
@@ -37,7 +37,7 @@ function repeat(socket, piece, milliseconds) {
   socket.on('close', () => clearInterval(timer));
 }
 
-// As fast as the client takes it, and never the end.
+// Sends as fast as the client reads, without end.
 function flood(socket, piece) {
   const fill = () => {
     while (!socket.destroyed && socket.write(piece));
@@ -48,7 +48,7 @@ function flood(socket, piece) {
 
 const chunk = (text) => `${text.length.toString(16)}\r\n${text}\r\n`;
 
-// What each path does: gets the socket and the whole request as bytes.
+// The function of each path: it gets the socket and the whole request as bytes.
 const paths = {
   '/echo': (socket, request) => socket.write(answer(request)),
   '/connection': (socket) =>
@@ -110,7 +110,7 @@ for (const [encoding, body] of Object.entries(compressed)) {
   paths[`/${encoding}`] = (socket) => socket.write(answer(body, [`Content-Encoding: ${encoding}`]));
 }
 
-// The length of the first whole request in `bytes`, or 0 while it is not whole.
+// The length of the first request in `bytes`, or 0 while it is incomplete.
 function requestLength(bytes) {
   const headEnd = bytes.indexOf('\r\n\r\n');
   if (headEnd < 0) return 0;

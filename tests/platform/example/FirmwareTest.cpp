@@ -1,5 +1,5 @@
-// The example's firmware program against the local store service. This test's own process is the
-// development machine: it has the same library, over the host's definitions.
+// The example's firmware program against the store service. The process of this test is the
+// development machine: it uses the same library, over the host.
 
 #include <sys/stat.h>
 
@@ -61,15 +61,15 @@ class FirmwareTest : public support::EndToEndTest {
   int status_ = -1;
 };
 
-// Device and number of a file, by which the system tells one from another.
+// Device and inode number of a file, which identify it.
 std::pair<dev_t, ino_t> fileAt(const std::string& path) {
   struct stat status = {};
   EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
   return {status.st_dev, status.st_ino};
 }
 
-// The files of libraries, by the names under which they are asked for, that the dynamic linker
-// gives to the program: it says so itself, in place of starting it.
+// The library files that the dynamic linker loads for the program, by name. The linker lists them
+// without starting the program.
 std::map<std::string, std::string> librariesOf(const std::string& program) {
   std::istringstream lines(outputOf({"env", "LD_TRACE_LOADED_OBJECTS=1", program}));
   std::map<std::string, std::string> libraries;

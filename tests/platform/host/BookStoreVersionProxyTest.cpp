@@ -44,7 +44,7 @@ TEST(BookStoreVersionProxyTest, IsGenerationThreeUnlessSetOtherwise) {
   EXPECT_EQ(BookStoreVersionProxy::storeVersion(true), 2);
 }
 
-// Files outlive releases: these names never change.
+// Existing files use these names, so they never change.
 TEST(BookStoreVersionProxyTest, NamesTheKeysOfTheTokenFile) {
   EXPECT_EQ(BookStoreVersionProxy::configKeyAccessToken(), "accessToken");
   EXPECT_EQ(BookStoreVersionProxy::configKeyRefreshToken(), "refreshToken");

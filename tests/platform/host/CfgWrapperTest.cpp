@@ -45,7 +45,7 @@ class CfgWrapperTest : public testing::Test {
     return CfgWrapper(kPath, CfgWrapper::Read).read<std::string>(key, "(missing)");
   }
 
-  // Tells one file at the path from the next, and whether it was written to.
+  // Shows whether the file at the path was replaced or written.
   std::tuple<ino_t, time_t, long> mark() const {
     struct stat status = {};
     EXPECT_EQ(::stat(root_.at(kPath).c_str(), &status), 0);
@@ -328,7 +328,7 @@ TEST_F(CfgWrapperTest, DoesNotWaitForAPipeInPlaceOfTheFile) {
 }
 
 TEST_F(CfgWrapperTest, ReadsAHugeFileAsEmptyAndDoesNotReplaceIt) {
-  // The last two sizes are small ones in 31 and in 32 bits.
+  // Truncated to 31 or 32 bits, the last two sizes would be small.
   for (const std::uint64_t size : {(1ull << 24) + 1, (1ull << 31) + 10, (1ull << 32) + 10}) {
     root_.clearLog();
     root_.put(kPath, "a=1\n");

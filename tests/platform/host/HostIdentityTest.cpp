@@ -26,7 +26,7 @@ const char kPath[] = "/mnt/ext1/system/config/device.cfg";
 
 }  // namespace
 
-// The identity is read once per process: each test has processes of its own.
+// The identity is read once per process, so each test starts new processes.
 class HostIdentityTest : public testing::Test {
  protected:
   std::string keptSerialNumber() const {

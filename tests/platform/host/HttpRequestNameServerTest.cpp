@@ -1,4 +1,4 @@
-// A name server that does not answer, played by a getaddrinfo() that waits.
+// A name server that does not respond, simulated by a getaddrinfo() that waits.
 
 #include <netdb.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Holds whoever asks for an address until the test lets go.
+// Blocks every caller that asks for an address, until the test releases them.
 class SilentNameServer {
  public:
   void wait() {
@@ -23,13 +23,13 @@ class SilentNameServer {
     changed_.notify_all();
   }
 
-  // True when somebody asked and still waits.
+  // True while a caller waits.
   bool holdsSomebody() {
     const std::lock_guard<std::mutex> lock(mutex_);
     return isAsked_ && !isLeft_;
   }
 
-  // Lets go, and waits until nobody is left.
+  // Releases the callers, and waits until none is left.
   void release() {
     std::unique_lock<std::mutex> lock(mutex_);
     letsGo_ = true;
@@ -49,7 +49,7 @@ SilentNameServer nameServer;
 
 }  // namespace
 
-// Stands in for the C library's: libcurl calls this one.
+// Replaces the C library's function: libcurl calls this one.
 extern "C" int getaddrinfo(const char*, const char*, const addrinfo*, addrinfo**) {
   nameServer.wait();
   return EAI_AGAIN;

@@ -1,4 +1,4 @@
-// What outlives one request: connections, TLS sessions, the list of authorities.
+// What is kept after a request: connections, TLS sessions, parsed CA certificates.
 
 #include <cstdio>
 #include <thread>

@@ -8,7 +8,7 @@ using ::testing::HasSubstr;
 
 class HttpRequestTest : public HttpTest {
  protected:
-  // What arrives when a person runs the command, against what the runner sends.
+  // Compares the request of the curl command with the request of the runner.
   static void expectSameBytes(const HttpRequest& request) {
     const std::string sent = perform(request).body;
     EXPECT_EQ(support::outputOfShell(request.toCurlRequest() + " --silent --show-error"), sent);

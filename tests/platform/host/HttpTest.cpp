@@ -17,7 +17,7 @@ std::vector<std::pair<int, std::string>>& recordedLines() {
 
 }  // namespace
 
-// Stands in for the host's log in these programs.
+// Replaces the host's log in these programs.
 extern "C" void ov_print_log2(int level, const char*, int, const char*, const char* format, ...) {
   std::array<char, 2000> text = {};
   std::va_list values;

@@ -1,4 +1,4 @@
-// What the tests of the host's HTTP share: a server, requests to it, and the log.
+// Shared by the tests of the host's HTTP: a server, requests to it, and the log.
 
 #ifndef TESTS_PLATFORM_HOST_HTTPTEST_H_
 #define TESTS_PLATFORM_HOST_HTTPTEST_H_
@@ -33,17 +33,17 @@ class HttpTest : public ::testing::Test {
 
   // Sets an environment variable until the end of the test.
   void set(const std::string& name, const std::string& value);
-  // Sends what goes to the host of the tests to this port.
+  // Connects requests for the tests' host name to this port.
   void connectTo(int port);
 
   // The URL of a path on the server.
   static std::string url(const std::string& path);
 
-  // Performs `request` within a limit that is long enough, or within `limit` seconds.
+  // Performs `request` with a sufficient time limit, or with `limit` seconds.
   static Answer perform(const HttpRequest& request, unsigned int limit = kAmpleSeconds);
   static Answer get(const std::string& path, unsigned int limit = kAmpleSeconds);
   static Answer post(const std::string& path, const std::string& body);
-  // The same through the overload without a limit, with its callbacks.
+  // Like the above, with the overload without a limit and its callbacks.
   static Answer getWithCallbacks(const std::string& path,
                                  HttpRequestRunner::WriteCallback write = {},
                                  HttpRequestRunner::ProgressCallback progress = {});

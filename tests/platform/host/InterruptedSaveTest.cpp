@@ -1,4 +1,5 @@
-// Whatever stops a save, and wherever: the file is whole, the old one or the new one.
+// Interrupts saves in every way and at every step: the file is complete, and the old or the new
+// one.
 
 #include <fcntl.h>
 #include <sched.h>
@@ -61,7 +62,8 @@ class InterruptedSaveTest : public testing::Test {
 
   static int run(const std::vector<std::string>& command) { return codeOf(spawn(command)); }
 
-  // The number that the last save of `prefix` wrote; -1 for none. All keys must show the same one.
+  // The number that the last save of `prefix` wrote; -1 for none. All keys must have the same
+  // number.
   static int lastSaved(const std::string& prefix) {
     const CfgWrapper config(kPath, CfgWrapper::Read);
     const std::string first = config.read<std::string>(prefix + "0", "-1.");
@@ -186,7 +188,7 @@ TEST_F(InterruptedSaveTest, SaysSoWhenASavedFileMayNotBeOnTheDiskYet) {
 TEST_F(InterruptedSaveTest, AFullDiskLeavesTheOldFile) {
   EXPECT_TRUE(passesInNewProcess([this] {
     std::filesystem::create_directories(root_.at(kFolder));
-    // A small disk of our own where the system lets us have one; else a small limit to files.
+    // A small private disk if the system allows one, else a small limit for file sizes.
     const bool hasNamespace =
         ::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
     const bool hasDisk = hasNamespace &&

@@ -33,7 +33,7 @@ std::vector<SystemLine> systemLines;
 
 }  // namespace
 
-// In place of the system's own: a test must not write into the machine's log.
+// Replaces the system's function: a test must not write to the machine's log.
 extern "C" void syslog(int priority, const char* format, ...) {
   va_list values;
   va_start(values, format);
@@ -49,7 +49,7 @@ class LogTest : public testing::Test {
     ov_print_log2(level, "dir/File.cpp", 12, "void f(int)", "%s", text.c_str());
   }
 
-  // The text of the only line, without what stands before it.
+  // The text of the only line, without its prefix.
   std::string loggedAs(const std::string& text) {
     root_.clearLog();
     log(2, text);

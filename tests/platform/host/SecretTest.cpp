@@ -45,7 +45,7 @@ class SecretTest : public testing::Test {
     return ReadSecret(CfgWrapper(path, CfgWrapper::Read).handle, key, "(default)");
   }
 
-  // What stands in the file for `key`.
+  // The text of `key` in the file.
   std::string sealed(const std::string& key) const {
     const std::string content = root_.contentOf(kPath);
     const std::size_t begin = content.find("\n" + key + "=") + key.size() + 2;
@@ -168,7 +168,7 @@ TEST_F(SecretTest, ReadsAsTheDefaultOnAnotherMachine) {
   EXPECT_EQ(load("token"), "new");
 }
 
-// With any separator that paths and keys may hold, the two ends would meet.
+// With a separator that may occur in paths and keys, these two pairs would be the same.
 TEST_F(SecretTest, FilesAndKeysDoNotRunIntoEachOther) {
   for (const std::string between : {"", "/", ":", "="}) {
     const std::string path = "/a" + between + "b";
@@ -264,7 +264,7 @@ TEST_F(SecretTest, AFolderInPlaceOfTheKeyIsNotUsed) {
   expectNeitherReadNorKept("is not a regular file");
 }
 
-// Only root can give a file away; another user reads as one who is not the owner of its own file.
+// Only root can change the owner of a file. Otherwise the test links a file of root.
 TEST_F(SecretTest, AKeyOfAnotherUserIsNotUsed) {
   save("token", "a");
   if (::chown(root_.at(kKeyPath).c_str(), 12345, 12345) == 0) {

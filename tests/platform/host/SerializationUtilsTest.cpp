@@ -18,7 +18,7 @@ std::string serialized(const std::string& text) {
   return out.str();
 }
 
-// Counts what is asked of it, and holds no more than a few bytes.
+// Records the largest read request, and has only a few bytes.
 class ShortSource : public std::streambuf {
  public:
   std::streamsize largestRequest = 0;

@@ -1,5 +1,5 @@
-// A task that TaskTest starts: tells what it was given, in the file "/report" of the root folder,
-// and waits to be ended, though not for ever.
+// A task for TaskTest: reports its arguments and what it inherited in the file "/report" of the
+// root folder, and waits, with a time limit, until it is killed.
 
 #include <dirent.h>
 #include <unistd.h>

@@ -43,7 +43,7 @@ class TaskTest : public testing::Test {
         waitUntil([this] { return std::none_of(started_.begin(), started_.end(), isRunning); }));
   }
 
-  // Nobody may have reaped it: what has ended has no executable any more.
+  // The task may be a zombie, which has no executable any more.
   static bool isRunning(int process) {
     struct stat status = {};
     return ::stat(("/proc/" + std::to_string(process) + "/exe").c_str(), &status) == 0;
