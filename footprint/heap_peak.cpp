@@ -63,7 +63,7 @@ int main() {
     const auto storage = std::make_shared<graphql::GraphQLStorageApi>();
     graphql::GraphQLApi api(storage);
     if (api.getStores().empty()) {
-      std::fputs("heap_peak: the answer was not understood\n", stderr);
+      std::fputs("heap_peak: the response was not parsed\n", stderr);
       return 1;
     }
   }

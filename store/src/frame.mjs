@@ -41,7 +41,7 @@ function isCacheIdSent(request, line, settings) {
   return line.sendsCacheIdForMutations || !request.body.includes('mutation');
 }
 
-// Makes the function `(request) => answer`. A request has `method`, `url`, `hostName`, `headers`
+// Makes the function `(request) => response`. A request has `method`, `url`, `hostName`, `headers`
 // (names in lower case) and `body` (a Buffer). A response has `status`, `headers` (pairs), `body`
 // (text, bytes or null) and `operation` (the requested root field, or null).
 export function createFrame({ schema, operations, services, tokenReaders, settings, salt }) {
