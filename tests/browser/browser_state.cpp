@@ -1,6 +1,6 @@
 // Prints the data that the library gives the embedded browser, as one JSON document. Like the
-// device's browser, it opens the library at run time and uses only its three C symbols. Usage:
-// browser_state PATH-OF-LIBRARY
+// device's browser, it opens the library at run time and uses only its three unmangled symbols.
+// Usage: browser_state PATH-OF-LIBRARY
 
 #include <dlfcn.h>
 

@@ -1,4 +1,4 @@
-// The C functions for the embedded browser, called by symbol name, as another program would.
+// The functions for the embedded browser, called by their unmangled names as another program would.
 
 #include <dlfcn.h>
 

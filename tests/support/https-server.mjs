@@ -1,7 +1,8 @@
 // A server for the tests of the host's HTTP. The path selects a canned response, which may be one
-// that no real server sends. Usage: node https-server.mjs CERTIFICATE KEY Prints
-// {"http1":PORT,"http2":PORT,"mute":PORT} when it listens (the last port accepts connections and
-// sends nothing); ends when its standard input is closed.
+// that no real server sends.
+// Usage: node https-server.mjs CERTIFICATE KEY
+// Prints {"http1":PORT,"http2":PORT,"mute":PORT} when it listens (the last port accepts connections
+// and sends nothing); ends when its standard input is closed.
 
 import { readFileSync } from 'node:fs';
 import http2 from 'node:http2';
