@@ -8,7 +8,7 @@ set(CMAKE_CXX_COMPILER ${triple}-g++)
 get_filename_component(CMAKE_SYSROOT
   ${CMAKE_CURRENT_LIST_DIR}/../../build/sysroot/${architecture} ABSOLUTE)
 if(NOT EXISTS ${CMAKE_SYSROOT}/.made-of)
-  message(FATAL_ERROR "${CMAKE_SYSROOT} is missing: run scripts/sysroot ${architecture} first")
+  message(FATAL_ERROR "${CMAKE_SYSROOT} is missing; run \"scripts/sysroot ${architecture}\" first")
 endif()
 
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
