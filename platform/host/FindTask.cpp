@@ -158,8 +158,7 @@ class Application {
   std::string path_;
   struct stat status_ = {};
   const bool exists_;
-  std::vector<std::vector<std::string>>
-      starts_;  // arguments that may precede the path; empty: none
+  std::vector<std::vector<std::string>> starts_;  // the arguments that may precede the path
 };
 
 }  // namespace

@@ -15,9 +15,8 @@ struct HttpRequestData {
   std::string method;
   std::string url;
   std::string body;
-  bool hasBody = false;  // an empty body counts as a body
-  std::vector<std::pair<std::string, std::string>>
-      headers;  // name, value; in the order they are sent
+  bool hasBody = false;                                      // an empty body counts as a body
+  std::vector<std::pair<std::string, std::string>> headers;  // name, value; in the order of sending
 };
 
 // The headers in the form that both libcurl and the curl program accept. Before the headers of the
