@@ -128,9 +128,9 @@ std::string choice(const Setting& setting, const std::vector<std::string>& allow
   if (std::find(allowed.begin(), allowed.end(), value) != allowed.end()) {
     return value;
   }
-  std::string expected = "one of";
+  std::string expected;
   for (const std::string& each : allowed) {
-    expected += " " + each;
+    expected += (expected.empty() ? "one of: " : ", ") + each;
   }
   reportOnce(setting, value, expected);
   return setting.fallback;

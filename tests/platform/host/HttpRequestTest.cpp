@@ -51,7 +51,7 @@ TEST_F(HttpRequestTest, ReportsAnHttpVersionThatItDoesNotKnowOnceAndNamesTheUsua
   EXPECT_THAT(HttpRequest("GET", url("/")).toCurlRequest(), HasSubstr(" --http1.1 "));
   HttpRequest("GET", url("/")).toCurlRequest();
   EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-            "ORVANE_HTTP_VERSION=3 is not one of 1.1 2; using 1.1\n");
+            "ORVANE_HTTP_VERSION=3 is not one of: 1.1, 2; using 1.1\n");
 }
 
 TEST_F(HttpRequestTest, GivesACommandThatSendsTheSameBytes) {
