@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/NewProcess.h"
 #include "tests/support/TemporaryRoot.h"
 
 using support::ScopedSetting;
@@ -44,14 +45,16 @@ TEST(SettingsTest, ASettingIsReadAnewEachTime) {
 }
 
 TEST(SettingsTest, ANumberThatIsNoneIsReportedOnceAndTheDefaultCounts) {
-  testing::internal::CaptureStderr();
-  for (const std::string text : {"x", "1x", "-1", "10000000", "x"}) {
-    const ScopedSetting setting("ORVANE_CONNECT_TIMEOUT", text);
-    EXPECT_EQ(base::number(base::settings::kConnectTimeoutSeconds, 0, 3600), 10) << text;
-  }
-  const std::string reported = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(reported, HasSubstr("ORVANE_CONNECT_TIMEOUT=x is not an integer"));
-  EXPECT_EQ(std::count(reported.begin(), reported.end(), '\n'), 4);
+  EXPECT_TRUE(support::passesInNewProcess([] {
+    testing::internal::CaptureStderr();
+    for (const std::string text : {"x", "1x", "-1", "10000000", "x"}) {
+      const ScopedSetting setting("ORVANE_CONNECT_TIMEOUT", text);
+      EXPECT_EQ(base::number(base::settings::kConnectTimeoutSeconds, 0, 3600), 10) << text;
+    }
+    const std::string reported = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(reported, HasSubstr("ORVANE_CONNECT_TIMEOUT=x is not an integer"));
+    EXPECT_EQ(std::count(reported.begin(), reported.end(), '\n'), 4);
+  }));
 }
 
 TEST(SettingsTest, TheRootIsTheSettingElseTheStateFolder) {

@@ -8,6 +8,7 @@
 
 #include "graphql_api/GraphQLApi.h"
 #include "graphql_api/GraphQLHeader.h"
+#include "tests/graphql_api/GermanLocale.h"
 #include "tests/support/NewProcess.h"
 #include "tests/support/PlatformTest.h"
 
@@ -17,18 +18,10 @@ using support::passesInNewProcess;
 
 namespace {
 
-const char kGerman[] = "de_DE.UTF-8";
-
-// Digits grouped by points, a comma before the fraction: in C, in C++, or in both.
+// In C alone, or in C++, too.
 class LocaleTest : public PlatformTest, public ::testing::WithParamInterface<bool> {
  protected:
-  static void becomeGerman() {
-    ASSERT_NE(std::setlocale(LC_ALL, kGerman), nullptr) << "the build makes this locale";
-    if (GetParam()) {
-      std::locale::global(std::locale(kGerman));
-      ASSERT_EQ(std::use_facet<std::numpunct<char>>(std::locale()).decimal_point(), ',');
-    }
-  }
+  static void becomeGerman() { ::becomeGerman(GetParam()); }
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 // Sample metadata and prices.
 
-#include <clocale>
-
+#include "tests/graphql_api/GermanLocale.h"
 #include "tests/graphql_api/OperationTest.h"
 #include "tests/support/NewProcess.h"
 
@@ -316,10 +315,7 @@ TEST_F(SamplesTest, AmountsGetTwoDecimals) {
 TEST_F(SamplesTest, ThePointIsTheDecimalSignInEveryLocale) {
   for (const bool inCpp : {true, false}) {
     EXPECT_TRUE(passesInNewProcess([&] {
-      ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr) << "the build makes this locale";
-      if (inCpp) {
-        std::locale::global(std::locale("de_DE.UTF-8"));
-      }
+      becomeGerman(inCpp);
       EXPECT_EQ(api.normalizePrice("9.99"), "9.99");
       EXPECT_EQ(api.normalizePrice("9,99"), "9.99");
       const SampleMetadata sample = priced("1234.5", "2234.75");

@@ -30,6 +30,11 @@ const char kTask[] = "/ombrel/bin/task.app";
 
 class FirmwareDefinitionsTest : public ::testing::Test {
  protected:
+  // The settings are read once in a process: they are the same for every test.
+  FirmwareDefinitionsTest() {
+    put("/mnt/ext1/system/config/device.cfg", "model=M1\nsoftwareVersion=V1\nserialNumber=S1\n");
+  }
+
   std::string at(const std::string& path) const { return folder_.path() + path; }
 
   std::string contentOf(const std::string& path) const {
@@ -126,7 +131,6 @@ TEST_F(FirmwareDefinitionsTest, WithoutAKeyNoSecretIsWrittenAndNothingSaved) {
 }
 
 TEST_F(FirmwareDefinitionsTest, SettingsGiveTheIdentity) {
-  put("/mnt/ext1/system/config/device.cfg", "model=M1\nsoftwareVersion=V1\nserialNumber=S1\n");
   EXPECT_STREQ(GetDeviceModel(), "M1");
   EXPECT_STREQ(GetSoftwareVersion(), "V1");
   EXPECT_STREQ(GetSerialNumber(), "S1");

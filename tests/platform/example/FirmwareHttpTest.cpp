@@ -1,5 +1,5 @@
-// What only the example's HTTP does; graphql-platform-check looks for the rest. One program is one
-// test: settings are read once in a process.
+// What only the example's HTTP does; graphql-platform-check looks for the rest. Settings are read
+// once in a process.
 
 #include <orvane/utilities/HttpRequestRunner.h>
 
@@ -22,7 +22,11 @@ namespace {
 
 class FirmwareHttpTest : public ::testing::Test {
  protected:
+  // One server as long as the process lives, which keeps the settings.
   static void SetUpTestSuite() {
+    if (server_ != nullptr) {
+      return;
+    }
     server_ = std::make_unique<support::HttpsServer>();
     const std::string folder = server_->folder() + "/mnt/ext1/system/config";
     std::filesystem::create_directories(folder);
@@ -32,7 +36,6 @@ class FirmwareHttpTest : public ::testing::Test {
     ::setenv("FIRMWARE_ROOT", server_->folder().c_str(), 1);
     ::setenv("https_proxy", "http://127.0.0.1:1", 1);
   }
-  static void TearDownTestSuite() { server_.reset(); }
 
   static std::string url(const std::string& path) {
     return std::string("https://") + support::HttpsServer::kHost + path;

@@ -29,12 +29,15 @@ class SilentNameServer {
     return isAsked_ && !isLeft_;
   }
 
-  // Releases the callers, and waits until none is left.
+  // Releases the callers, and waits until none is left; then it holds the next one.
   void release() {
     std::unique_lock<std::mutex> lock(mutex_);
     letsGo_ = true;
     changed_.notify_all();
     changed_.wait(lock, [this] { return !isAsked_ || isLeft_; });
+    isAsked_ = false;
+    isLeft_ = false;
+    letsGo_ = false;
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/platform/host/HttpTest.h"
+#include "tests/support/NewProcess.h"
 
 using ::testing::HasSubstr;
 
@@ -47,11 +48,13 @@ TEST_F(HttpRequestTest, NamesHttp2WhenSet) {
 
 TEST_F(HttpRequestTest, ReportsAnHttpVersionThatItDoesNotKnowOnceAndNamesTheUsualOne) {
   set("ORVANE_HTTP_VERSION", "3");
-  ::testing::internal::CaptureStderr();
-  EXPECT_THAT(HttpRequest("GET", url("/")).toCurlRequest(), HasSubstr(" --http1.1 "));
-  HttpRequest("GET", url("/")).toCurlRequest();
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-            "ORVANE_HTTP_VERSION=3 is not one of: 1.1, 2; using 1.1\n");
+  EXPECT_TRUE(support::passesInNewProcess([] {
+    ::testing::internal::CaptureStderr();
+    EXPECT_THAT(HttpRequest("GET", url("/")).toCurlRequest(), HasSubstr(" --http1.1 "));
+    HttpRequest("GET", url("/")).toCurlRequest();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "ORVANE_HTTP_VERSION=3 is not one of: 1.1, 2; using 1.1\n");
+  }));
 }
 
 TEST_F(HttpRequestTest, GivesACommandThatSendsTheSameBytes) {

@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/NewProcess.h"
 #include "tests/support/TemporaryRoot.h"
 
 using support::ScopedSetting;
@@ -167,15 +168,17 @@ TEST_F(LogTest, WritesToStandardErrorByDefault) {
 }
 
 TEST_F(LogTest, WritesToStandardErrorWhenTheFileCannotBeWrittenAndSaysSoOnce) {
-  const ScopedSetting target("ORVANE_LOG", root_.path() + "/missing/log");
-  testing::internal::CaptureStderr();
-  log(2, "one");
-  log(2, "two");
-  const std::string lines = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(lines, StartsWith("Cannot write the log file " + root_.path() + "/missing/log"));
-  EXPECT_THAT(lines, HasSubstr("one\n"));
-  EXPECT_THAT(lines, EndsWith("two\n"));
-  EXPECT_EQ(lines.find("Cannot", 1), std::string::npos);
+  EXPECT_TRUE(support::passesInNewProcess([this] {
+    const ScopedSetting target("ORVANE_LOG", root_.path() + "/missing/log");
+    testing::internal::CaptureStderr();
+    log(2, "one");
+    log(2, "two");
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_THAT(lines, StartsWith("Cannot write the log file " + root_.path() + "/missing/log"));
+    EXPECT_THAT(lines, HasSubstr("one\n"));
+    EXPECT_THAT(lines, EndsWith("two\n"));
+    EXPECT_EQ(lines.find("Cannot", 1), std::string::npos);
+  }));
 }
 
 TEST_F(LogTest, WritesToTheSystemsLog) {
@@ -191,12 +194,14 @@ TEST_F(LogTest, WritesToTheSystemsLog) {
 }
 
 TEST_F(LogTest, KeepsErrno) {
-  const ScopedSetting target("ORVANE_LOG", root_.path() + "/missing/log");
-  testing::internal::CaptureStderr();
-  errno = EDOM;
-  log(2, "text");
-  EXPECT_EQ(errno, EDOM);
-  testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(support::passesInNewProcess([this] {
+    const ScopedSetting target("ORVANE_LOG", root_.path() + "/missing/log");
+    testing::internal::CaptureStderr();
+    errno = EDOM;
+    log(2, "text");
+    EXPECT_EQ(errno, EDOM);
+    testing::internal::GetCapturedStderr();
+  }));
 }
 
 TEST_F(LogTest, KeepsLinesOfSeveralThreadsApart) {
