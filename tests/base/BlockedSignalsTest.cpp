@@ -64,7 +64,7 @@ TEST_F(BlockedSignalsTest, ASignalCountsBeforeAReadableDescriptor) {
     const BlockedSignals signals({SIGTERM});
     makeReadable();
     ::raise(SIGTERM);
-    EXPECT_EQ(signals.wait(kLong, readEnd()), Wakeup::Signal);
+    ASSERT_EQ(signals.wait(kLong, readEnd()), Wakeup::Signal);
     EXPECT_EQ(signals.wait(BlockedSignals::kForever), Wakeup::Signal);
   }));
 }
