@@ -11,7 +11,6 @@ using bookstore::Command;
 using bookstore::Context;
 using bookstore::Sends;
 using bookstore_tests::store;
-using bookstore_tests::storeAnswer;
 using ::testing::AllOf;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
