@@ -15,7 +15,8 @@ struct SystemCall {
   int number;
 };
 
-// The system calls of the marked part of `command`, in order, without the marks. Throws
+// The system calls of the marked part of `command`, in order, without the marks and without mmap()
+// and munmap(), which a sanitizer's allocator calls at other times in each run. Throws
 // std::runtime_error when the command does not end with 0.
 std::vector<SystemCall> callsOf(const std::vector<std::string>& command);
 
