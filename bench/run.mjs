@@ -167,7 +167,9 @@ const [programs, resultsFolder, host] = positionals;
 const chosen = cases.filter((one) => nameOf(one).includes(options.only));
 if (chosen.length === 0) {
   const names = cases.map(nameOf).join('\n  ');
-  process.stderr.write(`bench: no case name contains '${options.only}'; the cases are:\n  ${names}\n`);
+  process.stderr.write(
+    `bench: no case name contains '${options.only}'; the cases are:\n  ${names}\n`,
+  );
   process.exit(2);
 }
 const inMemory = existsSync('/dev/shm') ? '/dev/shm' : tmpdir();

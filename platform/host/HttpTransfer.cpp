@@ -46,7 +46,8 @@ Failure findFault(const HttpRequestData& request) {
       return {base::kHeaderRefused, "a header name must be one word: " + header.first};
     }
     if (holdsLineEnd(header.second)) {
-      return {base::kHeaderRefused, "the value of header " + header.first + " contains CR, LF or NUL"};
+      return {base::kHeaderRefused,
+              "the value of header " + header.first + " contains CR, LF or NUL"};
     }
   }
   return {0, ""};

@@ -225,9 +225,8 @@ TEST_P(CommandLineTest, OfTwoRefreshesAtOnceOneReachesTheStore) {
     EXPECT_EQ(ended.code, 0);
     outputs.push_back(ended.output);
   }
-  EXPECT_THAT(outputs,
-              UnorderedElementsAre("Refreshed the tokens\n",
-                                   "Another process has refreshed the tokens\n"));
+  EXPECT_THAT(outputs, UnorderedElementsAre("Refreshed the tokens\n",
+                                            "Another process has refreshed the tokens\n"));
   EXPECT_EQ(store().requestsOf("refreshTokens"), 1);
   EXPECT_EQ(run({"whoami"}).code, 0);
 }
