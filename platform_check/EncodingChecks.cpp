@@ -15,13 +15,23 @@ namespace platform_check {
 
 namespace {
 
-// More than the program and a long text need, and less than a damaged length can ask for.
-const rlim_t kMemoryBytes = rlim_t{1} << 30;
+// g++ and clang++ announce their sanitizers in two ways.
+#if defined(__has_feature)
+#define HAS_SANITIZER(name) __has_feature(name)
+#else
+#define HAS_SANITIZER(name) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
+    HAS_SANITIZER(address_sanitizer) || HAS_SANITIZER(thread_sanitizer)
+#define IS_SANITIZED
+#endif
 
 // Sanitizers reserve so much address space that they cannot run with a limit.
 void limitMemory() {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-  const rlimit limit = {kMemoryBytes, kMemoryBytes};
+#ifndef IS_SANITIZED
+  // More than the program and a long text need, and less than a damaged length can ask for.
+  const rlim_t bytes = rlim_t{1} << 30;
+  const rlimit limit = {bytes, bytes};
   ::setrlimit(RLIMIT_AS, &limit);
 #endif
 }
