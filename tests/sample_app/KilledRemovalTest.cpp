@@ -44,8 +44,7 @@ TEST_F(KilledRemovalTest, NoSystemCallIsTheWrongOneToBeKilledAt) {
     if (call.name == "exit_group") {
       continue;
     }
-    queueHoldsThree();
-    ASSERT_EQ(support::runInjected(call, "signal=KILL", {OLDEST_REMOVER}), 128 + SIGKILL)
+    ASSERT_TRUE(support::isKilledAt(call, {OLDEST_REMOVER}, [this] { queueHoldsThree(); }))
         << call.name << call.number;
     const auto left = queued();
     ASSERT_TRUE(WorkQueue().recover());

@@ -1,5 +1,6 @@
 #include "tests/support/Tracer.h"
 
+#include <csignal>
 #include <fstream>
 #include <map>
 #include <regex>
@@ -48,6 +49,17 @@ int runInjected(const SystemCall& call, const std::string& what,
   const std::string change =
       "inject=" + call.name + ":" + what + ":when=" + std::to_string(call.number);
   return run(traced({"-o", "/dev/null", "-e", change}, command)).code;
+}
+
+bool isKilledAt(const SystemCall& call, const std::vector<std::string>& command,
+                const std::function<void()>& prepare) {
+  for (int runs = 0; runs < 20; ++runs) {
+    prepare();
+    if (runInjected(call, "signal=KILL", command) == 128 + SIGKILL) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace support

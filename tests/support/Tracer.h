@@ -4,6 +4,7 @@
 #ifndef TESTS_SUPPORT_TRACER_H_
 #define TESTS_SUPPORT_TRACER_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,11 @@ std::vector<SystemCall> callsOf(const std::vector<std::string>& command);
 // "error=EIO". Returns its code as Ended has it.
 int runInjected(const SystemCall& call, const std::string& what,
                 const std::vector<std::string>& command);
+
+// Runs `command`, after `prepare`, until it is killed at `call`. The start of a sanitized program
+// makes a varying number of calls, so that a run can miss. False when 20 runs missed.
+bool isKilledAt(const SystemCall& call, const std::vector<std::string>& command,
+                const std::function<void()>& prepare);
 
 }  // namespace support
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 using support::callsOf;
+using support::isKilledAt;
 using support::runInjected;
 using support::SystemCall;
 
@@ -22,6 +23,14 @@ TEST(TracerTest, ListsTheCallsBetweenTheMarksWithTheirNumbers) {
 TEST(TracerTest, KillsAtTheCallThatIsNamed) {
   EXPECT_EQ(runInjected({"write", 3}, "signal=KILL", {MARKED_WRITER}), 128 + SIGKILL);
   EXPECT_EQ(runInjected({"write", 99}, "signal=KILL", {MARKED_WRITER}), 0);
+}
+
+TEST(TracerTest, TriesAgainUntilTheCallThatIsNamedIsMet) {
+  int runs = 0;
+  EXPECT_TRUE(isKilledAt({"write", 3}, {MARKED_WRITER}, [&runs] { ++runs; }));
+  EXPECT_EQ(runs, 1);
+  EXPECT_FALSE(isKilledAt({"write", 99}, {MARKED_WRITER}, [&runs] { ++runs; }));
+  EXPECT_EQ(runs, 21);
 }
 
 TEST(TracerTest, LetsTheCallThatIsNamedFail) {
