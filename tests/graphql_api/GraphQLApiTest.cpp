@@ -144,7 +144,11 @@ TEST_F(GraphQLApiTest, ACallbackThatReplacesItselfIsGoneAndTheNewOneIsCalled) {
 TEST_F(GraphQLApiTest, ACallbackMayReplaceItselfByAReference) {
   int calls = 0;
   GraphQLApi::ErrorCallback second = [&calls](int, int) { ++calls; };
-  api.setErrorCb([this, &second](int, int) { api.setErrorCb(std::ref(second)); });
+  api.setErrorCb([this, &second](int, int) {
+    GraphQLApi::ErrorCallback reference;
+    reference = std::ref(second);
+    api.setErrorCb(reference);
+  });
   api.getStores();
   EXPECT_EQ(calls, 0);
   api.getStores();
