@@ -45,9 +45,9 @@ void logResponse(const char* signature, const char* format, const Json::Value& r
                 root.toStyledString().c_str());
 }
 
-// Runs the callback in `slot`, which may replace itself while it runs. It is moved out for that,
-// not copied, because what it remembers has to last until the next failure. `slot` refers to it in
-// the meantime: an operation that the callback performs can fail, too.
+// Runs the callback in `slot`, which may replace itself while it runs. It is moved out for the
+// call, not copied, because it must keep its state until the next failure. During the call `slot`
+// refers to it, because an operation that the callback calls can fail, too.
 class RunningCallback {
  public:
   explicit RunningCallback(GraphQLApi::ErrorCallback& slot) : slot_(slot) {
@@ -74,7 +74,7 @@ class RunningCallback {
 
 }  // namespace
 
-// What one operation says of itself; perform() does the rest.
+// What differs between operations; perform() does the rest.
 struct GraphQLApi::Operation {
   Operation(const char* itsSignature, const std::string& url,
             const GraphQLStorageApi::StoreInfo& itsStore)
@@ -89,20 +89,20 @@ struct GraphQLApi::Operation {
   };
 
   HttpRequest request;
-  const char* const signature;                // the place that its log lines name
-  const GraphQLStorageApi::StoreInfo& store;  // whom the headers address
+  const char* const signature;                // for its log lines
+  const GraphQLStorageApi::StoreInfo& store;  // for the headers
   std::string query;
   Json::Value variables;  // null when the operation takes none
   GraphQLStorageApi::TokenType tokenType = GraphQLStorageApi::None;
   bool logsRequest = false;
-  bool takesHeaders = false;  // the transfer then has no time limit
+  bool takesHeaders = false;  // such a transfer has no time limit
   Failure failure = Failure::Combined;
-  bool clearsTokens = false;             // a failure empties those of the storage
-  const char* failureFormat = nullptr;   // takes the runner's result and the status, both int
-  const char* responseFormat = nullptr;  // takes the answer's text; null: not logged by the frame
+  bool clearsTokens = false;             // a failure empties the tokens of the storage
+  const char* failureFormat = nullptr;   // for the runner's result and the status, both int
+  const char* responseFormat = nullptr;  // for the text of the response; null: not logged here
 };
 
-// What came back.
+// The response, or the failure of the transfer.
 struct GraphQLApi::Answer {
   int err = 0;
   long status = 0;
@@ -114,7 +114,7 @@ struct GraphQLApi::Answer {
 
   int code() const { return static_cast<int>(status); }
 
-  // A failed answer as the results tell it.
+  // The failure as a result.
   ApiError apiError() const { return err != 0 ? NetworkError : BadResponse; }
   GraphQLStorageApi::ErrorInfo errorInfo() const {
     GraphQLStorageApi::ErrorInfo info;
@@ -123,7 +123,7 @@ struct GraphQLApi::Answer {
     return info;
   }
 
-  // The operation's own member under "data"; null when the answer has none.
+  // The operation's member of "data"; null when it is missing.
   const Json::Value* result(const std::string& name) const {
     const Json::Value* data = findMember(root, "data");
     return data == nullptr ? nullptr : findMember(*data, name);
@@ -249,7 +249,7 @@ const char kStoresQuery[] =
     "langCode\nstoreCode\nstatus\nintegrationToken\nproviderID\ncurrency\n}\n}";
 static_assert(sizeof(kStoresQuery) - 1 == 146, "the service knows this text byte for byte");
 
-// Whom the discovery addresses before any store is known.
+// The store in the headers of the discovery, which runs before any store is known.
 GraphQLStorageApi::StoreInfo discoveryStore() {
   GraphQLStorageApi::StoreInfo store;
   store.storeCode = "de_de";
@@ -299,7 +299,7 @@ GraphQLStorageApi::StoreInfoList GraphQLApi::getStores() {
       }
     }
   }
-  // An answer without stores empties the stored list, too.
+  // On purpose: a response without stores empties the stored list.
   if (storage) {
     storage->setStoresList(stores);
   }
@@ -320,19 +320,20 @@ const char kRefreshQuery[] =
     "refreshTokens(refresh_token: $refreshToken) {\n"
     "access_token\nrefresh_token\nexpires_in\n}\n}";
 
-// The number that a refused sign-in comes with. Its kind is not tested: a text makes JsonCpp throw.
+// The number in the response to a refused sign-in. Its type is not tested: JsonCpp throws for a
+// text.
 int signInCode(const Json::Value& root) {
   const Json::Value* code = findMember(root, "code");
   return code == nullptr ? 0 : code->asInt();
 }
 
-// The same of a refused refresh, where on purpose only an integer counts.
+// The number in the response to a refused refresh, where on purpose only an integer counts.
 int refreshCode(const Json::Value& root) {
   const Json::Value* code = findMember(root, "code");
   return code != nullptr && code->isInt() ? code->asInt() : 1;
 }
 
-// Exactly this name: a runner that keeps the server's letter case yields no cache id.
+// Exactly this name: if the runner keeps the server's letter case, there may be no cache id.
 std::string readCacheId(const std::unordered_map<std::string, std::string>& headers) {
   const auto header = headers.find("x-magento-cache-id");
   return header == headers.end() ? std::string() : Str::trim(header->second, Str::WHITESPACE);
@@ -408,7 +409,7 @@ GraphQLStorageApi::LoginInfo GraphQLApi::refreshTokens(const GraphQLStorageApi::
     return login;
   }
   GraphQLStorageApi::LoginInfo login = readLogin(&answer, "refreshTokens", "access_token");
-  // An empty store record: the identity of the store and the cache id stay.
+  // With an empty store record, the identity of the store and the cache id are unchanged.
   storeTokens(login, GraphQLStorageApi::StoreInfo(), std::string());
   return login;
 }
@@ -422,7 +423,7 @@ const char kEmailAvailableQuery[] =
     "{\nisEmailAvailable(email: $email) {\n"
     "is_email_available\n}\n}";
 
-// The service has always been asked for all of this, though only its errors are read.
+// Stores have always been asked for all of this, though only the errors are read.
 const char kCreateAccountQuery[] =
     "mutation createCustomer($input: CustomerCreateInput!) "
     "{\ncreateCustomerV2(input: $input) {\n"
@@ -488,7 +489,7 @@ GraphQLStorageApi::ErrorInfo GraphQLApi::createAccount(const GraphQLStorageApi::
   if (answer.failed()) {
     return answer.errorInfo();
   }
-  // Unlike everywhere else before the log: a message that is not a text leaves no line there.
+  // On purpose before the log: an invalid message throws, and leaves no line there.
   GraphQLStorageApi::ErrorInfo info = makeErrorInfo(answer.root);
   logResponse(operation.signature, "Create account responce: [%s]", answer.root);
   return info;
@@ -527,7 +528,7 @@ GraphQLApi::ApiError GraphQLApi::userInfo(const GraphQLStorageApi::StoreInfo& st
   }
   const Json::Value* customer = answer.result("customer");
   if (customer == nullptr || !customer->isObject()) {
-    // The record is not returned, but a message that is no text is a fault of the answer here, too.
+    // The record is not returned, but an invalid message has to throw here, too.
     makeErrorInfo(answer.root);
     return BadResponse;
   }
@@ -555,12 +556,12 @@ const char kSamplePriceTail[] =
     "regular_price {\ncurrency\nvalue\n}\n}\n}\n}\n}\n}\n";
 static_assert(sizeof(kSamplePriceTail) - 1 == 123, "the service knows this text byte for byte");
 
-// The uid goes in as it is; one that breaks the query finds no product.
+// The uid is inserted unchanged; if it breaks the query, no product is found.
 std::string sampleQuery(const std::string& uid, const char* tail) {
   return joined({"{\nproductDetails(uid: \"", uid, tail});
 }
 
-// The product in the operation's own member; null unless every level above it is there.
+// The product in the member of the operation; null when any level is missing.
 const Json::Value* findProduct(const Json::Value* details) {
   const Json::Value* product = details == nullptr ? nullptr : findMember(*details, "product");
   return product != nullptr && product->isObject() ? product : nullptr;
@@ -580,7 +581,7 @@ std::string readAuthor(const Json::Value& product) {
   return name != nullptr && name->isString() ? name->asString() : std::string();
 }
 
-// What only sampleMetadata() reads.
+// The members that only sampleMetadata() reads.
 void readDescription(const Json::Value& product, const GraphQLStorageApi::StoreInfo& store,
                      GraphQLApi::SampleMetadata* metadata) {
   metadata->apiUrl = store.apiUrl;
@@ -591,7 +592,7 @@ void readDescription(const Json::Value& product, const GraphQLStorageApi::StoreI
 
 }  // namespace
 
-// What both sample operations read; `readMore` reads the rest of the product, if it is set.
+// Reads what both sample operations need; `readMore`, if set, reads the rest of the product.
 GraphQLApi::SampleMetadata GraphQLApi::fetchSample(Operation& operation, const std::string& uid,
                                                    ProductReader readMore) {
   const Answer answer = perform(operation);

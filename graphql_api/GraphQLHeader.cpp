@@ -39,7 +39,7 @@ void fillIdentity() {
   deviceModel = joined({"eink ", number});
   softwareVersion = std::string(GetSoftwareVersion());
   serialNumber = std::string(GetSerialNumber());
-  // On purpose no blank before the bracket: servers know this exact form.
+  // On purpose no space before the bracket: servers expect this exact form.
   userAgent = joined({"Orvane Reader/", number, "(screen ", decimal(ScreenWidth()), "x",
                       decimal(ScreenHeight()), "; FW ", softwareVersion, ")"});
 }
@@ -123,8 +123,8 @@ constexpr int kServedStoreVersion = 3;
 using Fill = void (*)(const GraphQLStorageApi& storage, const GraphQLStorageApi::StoreInfo& store,
                       TextMap& output);
 
-// Reads the state afresh; hands a valid current store of a signed-in customer to `fill`, which
-// fills the emptied `output`.
+// Reads the state again. Empties `output`, and calls `fill` for it if a customer is signed in to a
+// valid current store.
 void fillForBrowser(TextMap* output, std::string* storeUrl, Fill fill) {
   if (output == nullptr && storeUrl == nullptr) {
     return;
@@ -167,7 +167,7 @@ namespace {
 const char kSampleApplication[] = "graphql_sample_metadata.app";
 constexpr unsigned int kSampleTaskFlags = 37;
 
-// The log's readers know this text; compilers spell it in different ways.
+// Fixed, because readers of the log search for it and compilers spell it differently.
 const char kAddSampleSignature[] = "void addSample(const char *, const char *)";
 
 bool isEmpty(const char* text) {

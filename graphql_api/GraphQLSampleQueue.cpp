@@ -24,7 +24,7 @@ namespace {
 
 const std::string kQueuePath = "/tmp/sample.queue";
 
-// Drops the lock of a queue at the end of a scope, also when something throws.
+// Releases the lock of a queue at the end of a scope, also after an exception.
 class Unlocker {
  public:
   explicit Unlocker(GraphQLSampleQueue& queue) : queue_(queue) {}
@@ -37,7 +37,7 @@ class Unlocker {
   GraphQLSampleQueue& queue_;
 };
 
-// Calls `call`, a system call, until no signal interrupts it.
+// Repeats `call`, a system call, until no signal interrupts it.
 template <typename Call>
 auto uninterrupted(Call call) {
   auto result = call();
@@ -47,7 +47,7 @@ auto uninterrupted(Call call) {
   return result;
 }
 
-// The queue file, open for a scope. Opening does not wait, should a pipe be in its place.
+// The queue file, open for a scope. Opening does not block if a pipe is in its place.
 class QueueFile {
  public:
   explicit QueueFile(int flags)
@@ -79,7 +79,7 @@ class QueueFile {
     return succeeded && (isFile || done == 0);
   }
 
-  // Between truncation and write a killed process leaves the file short: it goes out at once.
+  // Writes at once: a process that is killed after the truncation leaves the file short.
   void replaceContent(const std::string& bytes) const {
     if (uninterrupted([this] { return ::ftruncate(descriptor_, 0); }) == 0) {
       std::size_t done = 0;
@@ -88,8 +88,8 @@ class QueueFile {
   }
 
  private:
-  // Calls `transfer`, which is read() or write(), until all of `bytes` is done or nothing more
-  // comes or goes. False when it fails.
+  // Calls `transfer`, which is read() or write(), until all of `bytes` is transferred or a call
+  // transfers nothing. False when a call fails.
   template <typename Transfer, typename Byte>
   bool forAll(Transfer transfer, Byte* bytes, std::size_t size, std::size_t* done) const {
     ssize_t count = 1;
@@ -124,7 +124,7 @@ class QueueReader {
  public:
   QueueReader() {
     const QueueFile file(O_RDONLY);
-    // Nothing is lost when a missing file is written; what cannot be read is left alone.
+    // A missing file can be written without a loss; a file that cannot be read cannot.
     mayBeRewritten_ = !file.isOpen() && errno == ENOENT;
     std::string bytes;
     if (file.isOpen() && file.readAll(&bytes)) {
@@ -153,7 +153,7 @@ bool readItems(GraphQLSampleQueue& queue, std::vector<GraphQLSampleQueue::Sample
     const std::streamsize left = in.rdbuf()->in_avail();
     const int err = queue.deserializeSampleItem(in, &item);
     items->push_back(item);
-    // A decoder that gives up without reading on would be asked for the same bytes for ever.
+    // A decoder that fails without reading would get the same bytes forever.
     if (err != 0 && in.rdbuf()->in_avail() == left) {
       break;
     }
@@ -161,7 +161,7 @@ bool readItems(GraphQLSampleQueue& queue, std::vector<GraphQLSampleQueue::Sample
   return reader.mayBeRewritten();
 }
 
-// More than an encoding needs for its two texts, so that the buffer does not have to grow.
+// An estimate above what encodings need, so that the buffer does not have to grow.
 std::size_t mostEncodedBytes(const std::vector<GraphQLSampleQueue::SampleItem>& items) {
   std::size_t size = 0;
   for (const auto& item : items) {
@@ -228,7 +228,7 @@ void GraphQLSampleQueue::addSample(const std::string& bookId, const std::string&
 }
 
 int GraphQLSampleQueue::removeSample(const std::string& bookId) {
-  // Without the lock, too: the worker must get on with the queue.
+  // Also without the lock: the background application must get on with the queue.
   lockSampleQueueFile();
   const Unlocker unlocker(*this);
   std::vector<SampleItem> items;

@@ -26,16 +26,16 @@ namespace {
 const char kStoreListPath[] = "/mnt/ext1/system/state/cache/store_list.cfg";
 const char kTokenPath[] = "/mnt/ext1/system/config/bookstore.cfg";
 
-// The count of a file may claim billions of records. Beyond this number only those are looked for
-// that the keys of the file name.
+// A file can claim billions of records. Beyond this number, only records with a key in the file are
+// read.
 constexpr unsigned int kMostWalkedRecords = 10000;
 
 const char* trueOrFalse(bool value) {
   return value ? "true" : "false";
 }
 
-// Reads values of an open configuration, each under a key that ends in `suffix`. Absent keys read
-// as empty.
+// Reads values of an open configuration, each with a key that ends in `suffix`. Absent keys give
+// empty texts.
 class ValueReader {
  public:
   explicit ValueReader(const CfgWrapper& config, std::string suffix = std::string())
@@ -77,7 +77,7 @@ class ValueWriter {
   const std::string suffix_;
 };
 
-// The fields of one store in the order of the file, which is not the order of the members.
+// Visits the members of a store in the order of the file, which is not their order in the record.
 template <typename Values, typename Store>
 void visitStore(const Values& values, Store& store) {
   values.text("storeName", store.storeName);
@@ -98,8 +98,8 @@ GraphQLStorageApi::StoreInfo readStore(const CfgWrapper& config, unsigned int in
   return store;
 }
 
-// The indices of the records to read. Beyond kMostWalkedRecords these are the ones with a web
-// address, without which no record is kept.
+// The indices of the records to read. Beyond kMostWalkedRecords only those with a web address,
+// since other records are dropped.
 std::set<unsigned int> recordIndices(const CfgWrapper& config, unsigned int count) {
   std::set<unsigned int> indices;
   if (count <= kMostWalkedRecords) {
@@ -163,7 +163,7 @@ void GraphQLStorageApi::saveStoreList() {
 void GraphQLStorageApi::loadStoreList() {
   storesList_.clear();
   CfgWrapper config(kStoreListPath, CfgWrapper::Read);
-  // A negative count acts as the unsigned number of the same bits, as it always has.
+  // On purpose: a negative count counts as the unsigned number with the same bits.
   const auto count = static_cast<unsigned int>(config.readIfExists<int>("count").value_or(0));
   for (const unsigned int index : recordIndices(config, count)) {
     StoreInfo store = readStore(config, index);
@@ -184,8 +184,8 @@ GraphQLStorageApi::StoreInfoList::const_iterator GraphQLStorageApi::findCurrentS
   });
 }
 
-// Without a current store the index is that of the first store, but the record is the empty one.
-// Both on purpose: callers rely on either.
+// Without a current store, the index is that of the first store, but the record is empty. Both on
+// purpose: callers rely on them.
 int GraphQLStorageApi::currentStoreIndex() const {
   const auto found = findCurrentStore();
   return found == storesList_.end() ? 0 : static_cast<int>(found - storesList_.begin());
@@ -231,7 +231,7 @@ void GraphQLStorageApi::setTokens(const std::string& accessToken, const std::str
   saveTokens();
 }
 
-// The fields of the session in the order of the file.
+// Visits the members of the session in the order of the file.
 template <typename Values, typename State>
 void GraphQLStorageApi::visitSession(const Values& values, State& state) {
   values.secret(BookStoreVersionProxy::configKeyAccessToken(), state.accessToken_);
@@ -247,7 +247,7 @@ void GraphQLStorageApi::saveTokens() {
   const bool hasStore = !storeUrl_.empty() && !storeApiUrl_.empty() && !storeProvider_.empty();
   GRAPHQL_LOG(kLogInformation, "Save tokens: empty [%s] info [%s]", trueOrFalse(isAnyTokenEmpty()),
               trueOrFalse(hasStore));
-  // Empty tokens are saved: that is how a sign-out reaches the file.
+  // Empty tokens are saved: this is how a sign-out reaches the file.
   if (!hasStore) {
     return;
   }
@@ -258,7 +258,7 @@ void GraphQLStorageApi::saveTokens() {
 
 void GraphQLStorageApi::loadTokens() {
   CfgWrapper config(kTokenPath, CfgWrapper::Read);
-  // The device's own token only opens the gate; nothing else is done with it.
+  // The device's own token is only tested, and not used otherwise.
   std::string deviceToken;
   const ValueReader values(config);
   values.secret(BookStoreVersionProxy::configKeySacAccessToken(), deviceToken);

@@ -1,6 +1,6 @@
-// The persistent state of the book store: the regional stores and the customer's session, kept in
-// two configuration files of the device. One object is used by one thread at a time; isLoggedIn()
-// alone takes the object's mutex. Nothing guards the files against another process.
+// The persistent state of the book store: the regional stores and the customer's session, in two
+// configuration files of the device. Only one thread at a time may use an object; only isLoggedIn()
+// takes the object's mutex. Nothing protects the files from another process.
 
 #ifndef GRAPHQL_API_GRAPHQLSTORAGEAPI_H_
 #define GRAPHQL_API_GRAPHQLSTORAGEAPI_H_
@@ -11,15 +11,15 @@
 
 namespace graphql {
 
-// The state object. A caller creates one and shares it through a std::shared_ptr; it is neither
-// copied nor moved. Every change that a member makes to the store list or the session is written
-// when it is made, nothing when the object is destroyed.
+// The state object. A caller creates one and shares it through a std::shared_ptr; it can neither be
+// copied nor moved. Every change of the store list or the session is saved at once; destroying the
+// object saves nothing.
 //
-// No member throws an exception of its own. What the configuration layer throws, or the standard
-// library for want of memory, reaches the caller from every member that names a file below.
+// The members themselves throw nothing, except isLoggedIn(). Every member that reads or writes a
+// file passes on the exceptions of the configuration layer, and std::bad_alloc.
 class GraphQLStorageApi {
  public:
-  // The credentials that a request carries.
+  // The credentials in the headers of a request.
   enum TokenType : int {
     None = 0,             // none
     Integration = 1,      // the store's integration token
@@ -27,26 +27,26 @@ class GraphQLStorageApi {
     CustomerRefresh = 3,  // the customer's access token and the refresh token
   };
 
-  // How an operation ended.
+  // The result of an operation.
   struct ErrorInfo {
-    // 0: no error. 1: the store answered with an error, which `message` tells. -1: the transfer
-    // failed or the HTTP status was not 200. Sign-in and token refresh can put a number of the
-    // server's own here.
+    // 0: no error. 1: the response has an error, described by `message`. -1: the transfer failed or
+    // the HTTP status is not 200. After sign-in and token refresh it can be a number from the
+    // server.
     int error = 0;
-    // With `error` -1: the runner's result when that was not 0, else the HTTP status. Otherwise 0.
+    // With `error` -1: the runner's result if it is not 0, else the HTTP status. Otherwise 0.
     int code = 0;
-    // The server's own words, in UTF-8; empty when it said nothing.
+    // The server's own words, in UTF-8; empty without a message.
     std::string message;
   };
 
-  // What a sign-in or a token refresh gave.
+  // The result of a sign-in or a token refresh.
   struct LoginInfo {
     std::string accessToken;   // empty unless the operation succeeded
     std::string refreshToken;  // as accessToken
-    // The lifetime of the access token exactly as the server told it, in seconds; never
+    // The lifetime of the access token in seconds, exactly as the server sent it; never
     // interpreted.
     std::string expiresIn;
-    // `error` 0 with an empty access token is possible: the answer held neither token nor error.
+    // `error` 0 with an empty access token is possible: the response has neither token nor error.
     ErrorInfo errorInfo;
   };
 
@@ -57,8 +57,8 @@ class GraphQLStorageApi {
     std::string lastname;
   };
 
-  // One regional store. A fresh record has all texts empty and is closed; that is also what a
-  // lookup that finds nothing returns. All texts are UTF-8 as the server sent them.
+  // One regional store. A new record has empty texts and is closed; a lookup without a match
+  // returns such a record. All texts are UTF-8, as the server sent them.
   struct StoreInfo {
     std::string storeName;         // as shown to the user
     std::string url;               // web address; one third of the store's identity
@@ -71,32 +71,31 @@ class GraphQLStorageApi {
     std::string currency;          // currency code
     bool status = false;           // the store is open
 
-    // True when `url` and `apiUrl` are both non-empty; nothing else is looked at.
+    // True when `url` and `apiUrl` are both non-empty; ignores the other members.
     bool isValid() const;
   };
 
-  // Stores in the server's order; positions in it are what currentStoreIndex() returns.
+  // Stores in the server's order; currentStoreIndex() returns a position in it.
   using StoreInfoList = std::vector<StoreInfo>;
 
-  // Loads the store list file, then the token file; missing files give an empty state. Throws what
-  // the configuration layer throws.
+  // Loads the store list file, then the token file; missing files give an empty state.
   GraphQLStorageApi();
   ~GraphQLStorageApi();
 
   GraphQLStorageApi(const GraphQLStorageApi&) = delete;
   GraphQLStorageApi& operator=(const GraphQLStorageApi&) = delete;
 
-  // Reads both files again, as the constructor does, and replaces the state by their content.
+  // Reads both files again, like the constructor, and replaces the state by their content.
   void reload();
 
   // A copy of the store list.
   StoreInfoList storesList() const;
 
-  // Replaces the store list by a copy of `list`, whatever its records hold, and saves it.
+  // Replaces the store list by a copy of `list`, also of invalid records, and saves it.
   void setStoresList(const StoreInfoList& list);
 
-  // Writes the store list to /mnt/ext1/system/state/cache/store_list.cfg. Keys of records that a
-  // longer, earlier list left there are not removed; they are never read again.
+  // Writes the store list to /mnt/ext1/system/state/cache/store_list.cfg. Keys of a longer, earlier
+  // list are not removed from the file, but never read again. A failed save is not reported.
   void saveStoreList();
 
   // Replaces the store list by the content of /mnt/ext1/system/state/cache/store_list.cfg. Records
@@ -104,47 +103,47 @@ class GraphQLStorageApi {
   // more than 10,000 only the records for which there is a "url" key.
   void loadStoreList();
 
-  // The position of the current store, which is the first record whose `url`, `apiUrl` and
-  // `providerID` are those of the store that the customer signed in to. 0 also when there is none:
-  // ask currentStore() to tell the two apart.
+  // The position of the current store: the first record with the `url`, `apiUrl` and `providerID`
+  // of the store that the customer signed in to. Also 0 without a current store; currentStore()
+  // shows the difference.
   int currentStoreIndex() const;
 
-  // A copy of the current store, or the empty record when there is none.
+  // A copy of the current store, or an empty record.
   StoreInfo currentStore() const;
 
-  // A copy of the first record with exactly this `providerID`, or the empty record.
+  // A copy of the first record with exactly this `providerID`, or an empty record.
   StoreInfo storeInfo(const std::string& providerID) const;
 
   // The customer's access token; empty when signed out. A copy.
   std::string accessToken() const;
 
-  // The token that buys a new access token. A copy.
+  // The token that can be exchanged for new tokens. A copy.
   std::string refreshToken() const;
 
-  // The cache id that the store gave at sign-in. A copy.
+  // The cache id that the store sent at sign-in. A copy.
   std::string magentoCacheId() const;
 
   // Replaces the three tokens and saves the session; empty texts sign the customer out.
-  // `expiration` is the lifetime as the server told it and is never interpreted. The identity of
-  // the store (its `url`, `apiUrl` and `providerID`) and `magentoCacheId` are taken over only when
-  // `store` is valid: an incomplete record must not lose the identity. Copies all arguments.
+  // `expiration` is the lifetime as the server sent it, and is never interpreted. Only if `store`
+  // is valid, also replaces the identity of the store (its `url`, `apiUrl` and `providerID`) and
+  // the cache id: an incomplete record must not erase the identity. Copies all arguments.
   void setTokens(const std::string& accessToken, const std::string& refreshToken,
                  const std::string& expiration, const StoreInfo& store,
                  const std::string& magentoCacheId);
 
   // Writes the session to /mnt/ext1/system/config/bookstore.cfg, tokens and cache id as secrets.
-  // Does nothing while any part of the store's identity is empty.
+  // Does nothing while any part of the store's identity is empty. A failed save is not reported.
   void saveTokens();
 
-  // Replaces the session by the content of /mnt/ext1/system/config/bookstore.cfg; changes nothing
-  // when that file lacks the device's own access token.
+  // Replaces the session by the content of /mnt/ext1/system/config/bookstore.cfg. Changes nothing
+  // if that file does not contain the device's own access token.
   void loadTokens();
 
-  // True when there is an access token, expired or not. Takes the mutex for the look; throws
-  // std::system_error when that cannot be locked.
+  // True when there is an access token, even if it is expired. Locks the mutex while it reads the
+  // token; throws std::system_error when the mutex cannot be locked.
   bool isLoggedIn();
 
-  // Forgets the three tokens and saves; the store's identity and the cache id stay.
+  // Empties the three tokens and saves; the store's identity and the cache id are unchanged.
   void logoutOnlyFromStore();
 
  private:

@@ -48,7 +48,7 @@ class PointRemover {
     }
   }
 
-  // What follows a backslash never ends the string.
+  // A character after a backslash never ends the string.
   void copyString() {
     copy();
     while (next_ != end_ && *next_ != '"') {
@@ -79,7 +79,7 @@ class PointRemover {
     }
   }
 
-  // Returns how many.
+  // Returns the number of digits.
   long long copyDigits() {
     const char* const begin = next_;
     while (next_ != end_ && isDigit(*next_)) {
@@ -98,7 +98,7 @@ class PointRemover {
     const long long decimals = isReal ? copyDigits() : 0;
     const std::string exponent = takeExponent();
     if (!isReal || (!exponent.empty() && !isDigit(exponent.back()))) {
-      copied_ += exponent;  // also of what is not a number: it has to stay none
+      copied_ += exponent;  // an invalid number must stay invalid
     } else {
       copied_ += joined({"e", decimal(numberOf(exponent) - decimals)});
     }
@@ -137,9 +137,8 @@ bool writesDecimalPoint(const std::locale& locale) {
 
 }  // namespace
 
-// FastWriter and Reader are deprecated upstream. They are used on purpose: the bytes that
-// FastWriter gives are what the service has always been sent, and Reader accepts what it has always
-// answered.
+// FastWriter and Reader are deprecated upstream. They are used on purpose: stores expect the bytes
+// that FastWriter writes, and Reader accepts everything that stores have always sent.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 
@@ -150,8 +149,8 @@ std::string writeJson(const Json::Value& value) {
 void parseJson(const std::vector<char>& body, Json::Value* value) {
   const bool collectComments = true;
   Json::Reader reader;
-  // The reader takes real numbers by the global C++ locale, and gives up on "9.99" where that
-  // writes a comma. The locale belongs to the process: the text is changed instead.
+  // The reader parses real numbers by the global C++ locale, and rejects "9.99" if that has a
+  // decimal comma. The locale belongs to the process, so the text is changed instead.
   if (writesDecimalPoint(std::locale())) {
     reader.parse(body.data(), body.data() + body.size(), *value, collectComments);
   } else {

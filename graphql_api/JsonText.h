@@ -1,4 +1,4 @@
-// JSON values from and to text. Internal: no caller includes it.
+// JSON values from and to text. Internal: callers do not include it.
 
 #ifndef GRAPHQL_API_JSONTEXT_H_
 #define GRAPHQL_API_JSONTEXT_H_
@@ -13,8 +13,8 @@ namespace graphql {
 // The text of `value` on one line, which ends with a line feed.
 std::string writeJson(const Json::Value& value);
 
-// Reads `body` into `*value`. A body that cannot be parsed leaves the value null or partly filled:
-// either has no data. Reads numbers alike under every locale, and changes none.
+// Parses `body` into `*value`. After an error the value is null or incomplete, and the expected
+// data is missing. Reads numbers the same way in every locale, and changes no locale.
 void parseJson(const std::vector<char>& body, Json::Value* value);
 
 }  // namespace graphql

@@ -1,4 +1,4 @@
-// How the units of the library write to the device's log. Internal: no caller includes it.
+// Writes to the device's log. Internal: callers do not include it.
 
 #ifndef GRAPHQL_API_LOG_H_
 #define GRAPHQL_API_LOG_H_
@@ -12,8 +12,7 @@ constexpr int kLogInformation = 5;
 
 }  // namespace graphql
 
-// A macro, because a log line carries the place and the full signature of the function it stands
-// in.
+// A macro, because a log line contains the source location and the full signature of the function.
 #define GRAPHQL_LOG(level, ...) \
   ov_print_log2(level, __FILE__, __LINE__, __PRETTY_FUNCTION__, __VA_ARGS__)
 

@@ -1,4 +1,4 @@
-// Amounts of money as text. Internal: no caller includes it.
+// Amounts of money as text. Internal: callers do not include it.
 
 #ifndef GRAPHQL_API_PRICE_H_
 #define GRAPHQL_API_PRICE_H_

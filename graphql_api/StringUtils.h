@@ -1,5 +1,5 @@
-// Strings made of parts. Internal: no caller includes it. The functions are not inline, so that the
-// library contains their code once.
+// Strings made of parts. Internal: callers do not include it. The functions are not inline, so that
+// the library contains their code once.
 
 #ifndef GRAPHQL_API_STRINGUTILS_H_
 #define GRAPHQL_API_STRINGUTILS_H_
