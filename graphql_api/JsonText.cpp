@@ -119,11 +119,10 @@ class PointRemover {
     return std::string(begin, next_);
   }
 
-  // Limited to half of what the type holds, so that any count of decimals can be subtracted.
+  // Limited to half of the lowest value, so that any number of decimals can be subtracted.
   static long long numberOf(const std::string& exponent) {
-    const long long limit = std::numeric_limits<long long>::max() / 2;
     const long long number = exponent.empty() ? 0 : std::strtoll(exponent.c_str() + 1, nullptr, 10);
-    return std::min(std::max(number, -limit), limit);
+    return std::max(number, std::numeric_limits<long long>::min() / 2);
   }
 
   const char* next_;
