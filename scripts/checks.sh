@@ -1,5 +1,5 @@
-# The checks of scripts/test, a function each: sourced, not run. Each runs in a shell of its own in
-# the project folder, and ends with another status than 0 when it fails.
+# The checks of scripts/test, one function each: sourced, not run. Each runs in a separate shell in the
+# project folder, and ends with a status other than 0 when it fails.
 # shellcheck shell=bash
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -39,8 +39,8 @@ objects() {
     "$build_folder/asan/compile_commands.json"
 }
 
-# Runs clang-tidy with the arguments on the product's sources. What passed is left out as long as its
-# object is not built again, which happens when anything changes that it includes.
+# Runs clang-tidy with the arguments on the product's sources. A source that passed is skipped until its
+# object is built again, that is, until the source or a header that it includes changes.
 tidy() {
   local stamps=$build_folder/tidy/$1 source object
   shift
@@ -50,22 +50,21 @@ tidy() {
     [[ -n $object && $stamps/$source -nt $object && $stamps/$source -nt .clang-tidy ]] ||
       printf '%s\n' "$source"
   done >"$build_folder/tidy.changed"
-  printf '%s of %s sources to look at\n' "$(wc -l <"$build_folder/tidy.changed")" "$(wc -l <"$build_folder/tidy.sources")"
+  printf '%s of %s sources to check\n' "$(wc -l <"$build_folder/tidy.changed")" "$(wc -l <"$build_folder/tidy.sources")"
   export build_folder stamps
   # shellcheck disable=SC2016 # for the inner shell
   xargs -r -P "$(nproc)" -I SOURCE bash -c '
     clang-tidy -p "$build_folder/asan" --quiet "${@:2}" "$1" 2> >(grep -v " warnings\? generated" >&2) || exit 1
     mkdir -p "$(dirname "$stamps/$1")" && touch "$stamps/$1"' tidy SOURCE "$@" <"$build_folder/tidy.changed"
 }
-
 check_tidy() { tidy quick '--checks=-clang-analyzer-*'; }
 
 check_analyzer() { tidy full; }
 
 # --- Tests --------------------------------------------------------------------------------------
 
-# Runs the tests of a build, the longest first. Many only wait: more run at once than there are
-# processors.
+# Runs the tests of a build, the longest first. Many tests mostly wait, so more of them run at once
+# than there are processors.
 run_tests() {
   local build=$build_folder/$1 costs=$build_folder/$1/Testing/Temporary/CTestCostData.txt
   local prefix=()
@@ -92,8 +91,10 @@ check_tests_gcc() {
 
 check_tsan() {
   local names
-  mapfile -t names < <(grep -rlE 'std::(thread|async)' tests/{unit,base,platform/host,bookstore,sample_app} \
-    --include='*Test.cpp' | xargs -n 1 basename --suffix=.cpp)
+  mapfile -t names < <(grep -rlE 'std::(thread|async)' \
+    tests/{graphql_api,base,platform/host,bookstore,sample_app} --include='*Test.cpp' |
+    xargs -n 1 basename --suffix=.cpp)
+  [[ ${names[*]} == *SampleQueueTest* ]] || fail "no test of the library uses threads"
   build_preset tsan "${names[@]}"
   run_tests tsan --tests-regex "^($(IFS='|'; echo "${names[*]}"))\\."
 }
@@ -121,10 +122,10 @@ check_packages() { scripts/test-packages; }
 
 # --- ARM ----------------------------------------------------------------------------------------
 
-# The tests that mean nothing in an emulator have a label; where it is given stands the reason.
+# The tests that mean nothing in an emulator have a label; the reason is beside the label.
 arm() {
   local architecture=$1 left_out
-  scripts/emulated "$architecture" true  # says so before the builds, which take minutes
+  scripts/emulated "$architecture" true  # fails before the builds, which take minutes
   scripts/store install
   scripts/sysroot "$architecture"
   build_preset "$architecture"
