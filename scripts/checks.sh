@@ -118,6 +118,8 @@ check_fuzz() { scripts/fuzz 5; }
 
 check_fuzz_long() { scripts/fuzz 600; }
 
+check_bench() { scripts/bench --quick; }
+
 check_packages() { scripts/test-packages; }
 
 # --- ARM ----------------------------------------------------------------------------------------
