@@ -105,7 +105,7 @@ int FindTaskByAppName(const char* path);
  *             the task manager's; an SDK without a task manager ignores them, and both names
  *
  * The caller frees all texts and the vector as soon as the call returns: copy what is used later.
- * The task has a session of its own, so that it survives the caller, and inherits no descriptor
+ * The task has a separate session, so that it survives the caller, and inherits no descriptor
  * above 2: an inherited descriptor would keep the lock of the sample queue. The environment is the
  * caller's. Returns a value greater than 0, usually the number of the task, or 0 or less when the
  * executable could not be started. The library ignores the result. */

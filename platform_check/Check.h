@@ -1,4 +1,4 @@
-// What a check is, and how its function reports the outcome. A check runs in a process of its own
+// What a check is, and how its function reports the outcome. A check runs in a separate process
 // (Child.h), in one thread unless it starts more.
 
 #ifndef PLATFORM_CHECK_CHECK_H_

@@ -1,4 +1,4 @@
-// A function in a process of its own, so that a crash or a hang of the platform ends that process
+// A function in a separate process, so that a crash or a hang of the platform ends that process
 // only. Used by one thread; the function must not rely on other threads of this process.
 
 #ifndef PLATFORM_CHECK_CHILD_H_
