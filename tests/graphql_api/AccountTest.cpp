@@ -4,9 +4,10 @@
 
 using graphql::GraphQLApi;
 using graphql::GraphQLStorageApi;
+using ::testing::AnyOf;
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 using AccountTest = OperationTest;
 
@@ -311,6 +312,7 @@ TEST_F(AccountTest, LogLinesNameTheOperation) {
   GraphQLStorageApi::UserInfo info;
   api.userInfo(store, &info);
   EXPECT_THAT(platform().log.at(0).function,
-              HasSubstr("GraphQLApi::ApiError graphql::GraphQLApi::userInfo("));
+              AnyOf(StartsWith("graphql::GraphQLApi::ApiError graphql::GraphQLApi::userInfo("),
+                    StartsWith("GraphQLApi::ApiError graphql::GraphQLApi::userInfo(")));
   EXPECT_EQ(platform().log.at(0).format, "UserInfo failed err = %d, code = %d");
 }

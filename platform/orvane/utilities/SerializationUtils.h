@@ -15,9 +15,10 @@ namespace utilities {
 class SerializationUtils {
  public:
   // Writes `value`, which can be empty and can have any bytes, so that DeserializeString() finds
-  // its end without further help. Returns 0. Returns another value when the stream could not be
-  // written, or when the string is longer than the encoding allows; the bytes in the stream are
-  // then of no use. Throws nothing, unless the stream was told to throw.
+  // its end without further help. Must only append: the library passes streams that cannot seek.
+  // Returns 0. Returns another value when the stream could not be written, or when the string is
+  // longer than the encoding allows; the bytes in the stream are then of no use. Throws nothing,
+  // unless the stream was told to throw.
   static int SerializeString(std::string const& value, std::ostream& out);
 
   // Reads one string into `*value` and not one byte beyond. Returns 0. Returns another value when
